@@ -1,0 +1,937 @@
+/**
+ * @file kelozov.h
+ * @brief Numeric primitives for signal and image processing: the whole public interface.
+ *
+ * Every primitive is a plain function on memory that the caller owns. A name reads, left to right:
+ * the prefix `Kelo_`, the domain (`zovs` for signals, `zovi` for images), the operation, the
+ * element type or the pair source type and destination type, and modifiers. Modifiers are `I` (in
+ * place), `Sfs` (integer result scaled by 2 to the power minus `scaleFactor`), `C1` and `C4` (one
+ * or four interleaved channels), `R` (an image operation on a region, with row steps in bytes).
+ * Within the operation `C` means a constant operand and `Rev` reversed operands.
+ *
+ * Arguments come in this order: sources, a constant operand, destination, length, further
+ * parameters. Array arguments need no alignment beyond that of their address in bytes.
+ *
+ * Every primitive tests its arguments before it touches any element, and stops at the first test
+ * that fails: every pointer against null (::zovStsNullPtrErr), the identity tag of a state object
+ * (::zovStsContextMatchErr), the length (below 1: ::zovStsSizeErr), and then the parameters of the
+ * operation. An error from these tests means that nothing was written. A warning (a positive
+ * status) means that the output is complete, except for the two resize warnings
+ * ::zovStsNoOperationWrn and ::zovStsResizeRoiWrn, which mean that nothing was written.
+ *
+ * Aliasing: an in-place form takes one array once. Every element-wise primitive also accepts a
+ * destination that equals a source. Arrays that overlap in another way are not supported.
+ *
+ * Each primitive comes in up to seven builds, one for each instruction-set level: SSE2, SSE3,
+ * SSSE3, SSSE3 with MOVBE, SSE4.1, AVX and AVX2. The level is chosen once, when the library is
+ * loaded. Results do not depend on the level except where a description says so.
+ *
+ * All primitives are re-entrant.
+ */
+#ifndef KELOZOV_KELOZOV_H
+#define KELOZOV_KELOZOV_H
+
+#include <stdint.h>
+
+#if defined(_WIN32) && !defined(KELOZOV_BUILDING)
+#define KELO_API __declspec(dllimport)
+#elif defined(__GNUC__) && !defined(_WIN32)
+#define KELO_API __attribute__((visibility("default")))
+#else
+#define KELO_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** @defgroup types Element types and records */
+/** @{ */
+
+typedef uint8_t Zov8u;   /**< unsigned 8-bit integer, suffix `8u` */
+typedef uint16_t Zov16u; /**< unsigned 16-bit integer, suffix `16u` */
+typedef int16_t Zov16s;  /**< signed 16-bit integer, suffix `16s` */
+typedef uint32_t Zov32u; /**< unsigned 32-bit integer, suffix `32u` */
+typedef int32_t Zov32s;  /**< signed 32-bit integer, suffix `32s` */
+typedef float Zov32f;    /**< IEEE 754 binary32, suffix `32f` */
+typedef double Zov64f;   /**< IEEE 754 binary64, suffix `64f` */
+
+/** Pair of 16-bit integers, suffix `16sc`. */
+typedef struct Zov16sc {
+  Zov16s re; /**< real part */
+  Zov16s im; /**< imaginary part */
+} Zov16sc;
+
+/** Pair of binary32 numbers, suffix `32fc`. */
+typedef struct Zov32fc {
+  Zov32f re; /**< real part */
+  Zov32f im; /**< imaginary part */
+} Zov32fc;
+
+/** Pair of binary64 numbers, suffix `64fc`. */
+typedef struct Zov64fc {
+  Zov64f re; /**< real part */
+  Zov64f im; /**< imaginary part */
+} Zov64fc;
+
+/** Extent of a whole image. */
+typedef struct ZovImageSize {
+  int width;  /**< pixels per row */
+  int height; /**< rows */
+} ZovImageSize;
+
+/** Rectangle of pixels inside an image. */
+typedef struct ZovImageRect {
+  int x;      /**< first column */
+  int y;      /**< first row */
+  int width;  /**< columns */
+  int height; /**< rows */
+} ZovImageRect;
+
+/** @} */
+
+/** @defgroup statuses Status codes */
+/** @{ */
+
+/** Result of a primitive: 0 success, negative an error, positive a warning. */
+typedef int32_t ZovStatus;
+
+/** The values of a ::ZovStatus. */
+enum ZovStatusCode {
+  zovStsNoErr = 0,                /**< success */
+  zovStsRelationErr = -5,         /**< relation code is neither less nor greater */
+  zovStsSizeErr = -6,             /**< a length, width or height is below 1 */
+  zovStsZeroCrossingModeErr = -7, /**< zero-crossing mode is not 0, 1 or 2 */
+  zovStsNullPtrErr = -8,          /**< a pointer argument is null */
+  zovStsMemAllocErr = -9,         /**< work memory or a state object could not be allocated */
+  zovStsDivByZeroErr = -10,       /**< a scalar divisor or leading coefficient is zero */
+  zovStsBitDepthErr = -11,        /**< bit depth is outside 1 to 16 */
+  zovStsStepErr = -14,            /**< a row step in bytes is smaller than one row */
+  zovStsFftOrderErr = -15,        /**< FFT order outside its range */
+  zovStsFftFlagErr = -16,         /**< FFT normalisation flag unknown */
+  zovStsContextMatchErr = -17,    /**< the identity tag of a state object does not match */
+  zovStsInterpolationErr = -22,   /**< interpolation code unknown or its flags inconsistent */
+  zovStsResizeFactorErr = -23,    /**< a scale is not positive, or above 1 with the area method */
+  zovStsIirOrderErr = -25,        /**< IIR order below 1 */
+  zovStsFirLenErr = -26,          /**< FIR tap count below 1 */
+  zovStsFirMRPhaseErr = -28,      /**< multi-rate phase outside 0 to factor minus 1 */
+  zovStsFirMRFactorErr = -29,     /**< multi-rate factor below 1 */
+  zovStsSamplePhaseErr = -30,     /**< sampling phase outside 0 to factor minus 1 */
+  zovStsSampleFactorErr = -31,    /**< sampling factor below 1 */
+  zovStsShiftErr = -32,           /**< shift count negative */
+  zovStsMaskSizeErr = -33,        /**< mask length below 1 */
+  zovStsWtOffsetErr = -35,        /**< wavelet filter offset below -1 */
+  zovStsCopyStepErr = -37,        /**< a row step is smaller than the row width */
+  zovStsFirGenPhaseErr = -44,     /**< internal: tone phase outside 0 to 2 pi */
+  zovStsFirGenFreqErr = -45,      /**< internal: tone frequency outside 0 up to 0.5 */
+  zovStsFirGenParamErr = -46,     /**< internal: tone magnitude not positive */
+  zovStsNumChannelsErr = -53,     /**< channel count other than 1, 3 or 4 */
+  zovStsFindLenErr = -119,        /**< a search or replace length is outside its range */
+  zovStsIirGenSizeErr = -182,     /**< internal: row step of the IIR design solver */
+  zovStsIirGenUnstableErr = -195, /**< internal: pivot of the IIR design solver near zero */
+  zovStsIirGenOrderErr = -206,    /**< IIR design order outside 1 to 12 */
+  zovStsIirGenFreqErr = -208,     /**< IIR design frequency outside 0 to 0.5 */
+  zovStsIirGenParamErr = -209,    /**< Chebyshev deviation outside 0 to 29 decibels */
+  zovStsNoOperationWrn = 1,       /**< nothing to do: the regions do not intersect */
+  zovStsSqrtNegArgWrn = 3,        /**< an input of a square root was negative */
+  zovStsEvenMaskWrn = 5,          /**< the median mask length was even */
+  zovStsDivByZeroWrn = 6,         /**< an element of the divisor was zero */
+  zovStsLnZeroArgWrn = 7,         /**< the first bad input of a logarithm was zero */
+  zovStsLnNegArgWrn = 8,          /**< the first bad input of a logarithm was negative */
+  zovStsOverflowWrn = 12,         /**< a result overflowed */
+  zovStsUnderflowWrn = 17,        /**< a result underflowed */
+  zovStsSingularityWrn = 18,      /**< an input lay on a pole */
+  zovStsDomainWrn = 19,           /**< an input lay outside the domain */
+  zovStsOtherVendorWrn = 20,      /**< internal: start-up met another processor vendor */
+  zovStsResizeRoiWrn = 29,        /**< source rectangle outside the image, nothing written */
+  zovStsCpuProbeFailedWrn = 36,   /**< internal: start-up could not identify the processor */
+  zovStsAntialiasIgnoredWrn = 46  /**< the antialias flag has no effect with this method */
+};
+
+/** @} */
+
+/** @defgroup constants Constants */
+/** @{ */
+
+/** Relation codes of the thresholds. */
+enum ZovCmpOp {
+  ZOV_CMP_LESS = 0,   /**< values below the level */
+  ZOV_CMP_GREATER = 4 /**< values above the level */
+};
+
+/** Rounding modes of the narrowing conversions; any value above 1 acts as the last. */
+enum ZovRoundMode {
+  ZOV_RND_ZERO = 0,     /**< truncation toward zero */
+  ZOV_RND_NEAR = 1,     /**< nearest, ties to even */
+  ZOV_RND_FINANCIAL = 2 /**< nearest, ties away from zero */
+};
+
+/** Normalisation of a Fourier transform of N elements. */
+enum ZovFftFlag {
+  ZOV_FFT_SCALE_FWD = 1,  /**< the forward transform is multiplied by 1/N */
+  ZOV_FFT_SCALE_INV = 2,  /**< the inverse transform is multiplied by 1/N */
+  ZOV_FFT_SCALE_SQRT = 4, /**< both transforms are multiplied by 1/sqrt(N) */
+  ZOV_FFT_SCALE_NONE = 8  /**< no multiplication */
+};
+
+/** Modes of the zero-crossing count. */
+enum ZovZeroCrossingMode {
+  ZOV_ZC_PRODUCT = 0,  /**< neighbours whose product is negative */
+  ZOV_ZC_SIGN_BIT = 1, /**< neighbours whose sign bits differ */
+  ZOV_ZC_SIGN_STEP = 2 /**< half the sum of sign steps */
+};
+
+/** Windows of the FIR design. */
+enum ZovWinType {
+  ZOV_WIN_BARTLETT = 0,     /**< triangular */
+  ZOV_WIN_BLACKMAN_OPT = 1, /**< Blackman with the optimal parameter */
+  ZOV_WIN_HAMMING = 2,      /**< Hamming */
+  ZOV_WIN_HANN = 3          /**< Hann */
+};
+
+/** Prototypes of the IIR design. */
+enum ZovIirFilterType {
+  ZOV_IIR_BUTTERWORTH = 0, /**< Butterworth */
+  ZOV_IIR_CHEBYSHEV = 1    /**< Chebyshev, type I */
+};
+
+/** Resize methods: the low 29 bits of the `interpolation` argument. */
+enum ZovInterpolation {
+  ZOV_INTERP_NEAREST = 1,          /**< nearest neighbour */
+  ZOV_INTERP_LINEAR = 2,           /**< bilinear */
+  ZOV_INTERP_CUBIC = 4,            /**< four-tap cubic Lagrange kernel */
+  ZOV_INTERP_CUBIC_BSPLINE = 5,    /**< cubic B-spline, B = 1, C = 0 */
+  ZOV_INTERP_CUBIC_CATMULLROM = 6, /**< Catmull-Rom, B = 0, C = 0.5 */
+  ZOV_INTERP_CUBIC_MIXED = 7,      /**< two-parameter cubic, B = 0.5, C = 0.3 */
+  ZOV_INTERP_AREA = 8,             /**< area-weighted super sampling, reduction only */
+  ZOV_INTERP_LANCZOS = 16          /**< three-lobe Lanczos */
+};
+
+/** Resize flag: blend a ring of one pixel around the written rectangle with the destination. */
+#define ZOV_EDGE_BLEND ((int)0x80000000U)
+/** Resize flag: write a ring of one pixel as the edge pixels faded towards zero. */
+#define ZOV_EDGE_FADE 0x40000000
+/** Resize flag: widen the filter with the reduction ratio. */
+#define ZOV_RESIZE_ANTIALIAS 0x20000000
+
+/** @} */
+
+/** @defgroup memory Aligned memory */
+/** @{ */
+
+/**
+ * @brief Allocates a block that starts on a multiple of 64 bytes.
+ * @param len size in bytes
+ * @return the block, contents undefined, or null when @p len is below 1 or memory is exhausted.
+ * Release it with ::Kelo_zovsFree.
+ */
+KELO_API Zov8u* Kelo_zovsMalloc_8u(int len);
+
+/**
+ * @brief Releases a block of ::Kelo_zovsMalloc_8u. A null pointer is accepted and ignored.
+ * @param ptr the block, or null
+ */
+KELO_API void Kelo_zovsFree(void* ptr);
+
+/** @} */
+
+/** @defgroup fill Fill, clear and copy */
+/** @{ */
+
+/**
+ * @brief pDst[i] = val for i in 0 to len - 1.
+ * Large arrays bypass the cache when they exceed its known size: from 1 MiB at levels 1 to 4, and
+ * above 2 MiB at levels 5 and 6.
+ * @param val value to write
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSet_8u(Zov8u val, Zov8u* pDst, int len);
+
+/**
+ * @brief pDst[i] = val for i in 0 to len - 1.
+ * Large arrays bypass the cache when they exceed its known size: from 1 MiB at levels 1 to 4, and
+ * above 2 MiB at levels 5 and 6.
+ * @param val value to write
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSet_32s(Zov32s val, Zov32s* pDst, int len);
+
+/**
+ * @brief pDst[i] = val for i in 0 to len - 1; the bits of @p val are written as they are.
+ * Large arrays bypass the cache when they exceed its known size: from 1 MiB at levels 1 to 4, and
+ * above 2 MiB at levels 5 and 6.
+ * @param val value to write
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSet_32f(Zov32f val, Zov32f* pDst, int len);
+
+/**
+ * @brief Clears @p len elements: all bytes zero.
+ * Large arrays bypass the cache when they exceed its known size: from 512 KiB at levels 1 to 4, and
+ * above 2 MiB at levels 5 and 6.
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsZero_32f(Zov32f* pDst, int len);
+
+/**
+ * @brief Clears @p len elements: all bytes zero.
+ * Large arrays bypass the cache when they exceed its known size: from 512 KiB at levels 1 to 4, and
+ * above 2 MiB at levels 5 and 6.
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsZero_64f(Zov64f* pDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc[i], bit for bit. The arrays must not overlap, but may be equal.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsCopy_32f(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc[i], bit for bit. The arrays must not overlap, but may be equal.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsCopy_64f(const Zov64f* pSrc, Zov64f* pDst, int len);
+
+/** @} */
+
+/** @defgroup search Search and replace */
+/** @{ */
+
+/**
+ * @brief Finds the first position at which a sequence occurs.
+ * *pIndex = the smallest p with pSrc[p + k] == pFind[k] for all k in 0 to lenFind - 1, or -1 when
+ * there is none. An empty sequence, or one longer than the source, is not found anywhere.
+ * @param pSrc array to search, @p len elements
+ * @param len number of elements of @p pSrc; may be 0
+ * @param pFind sequence to find, @p lenFind elements
+ * @param lenFind number of elements of @p pFind; may be 0
+ * @param pIndex receives the position
+ * @return ::zovStsNullPtrErr, ::zovStsFindLenErr (len or lenFind negative), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsFind_8u(const Zov8u* pSrc, int len, const Zov8u* pFind, int lenFind,
+                                    int* pIndex);
+
+/**
+ * @brief Finds the first position at which a sequence occurs.
+ * *pIndex = the smallest p with pSrc[p + k] == pFind[k] for all k in 0 to lenFind - 1, or -1 when
+ * there is none. An empty sequence, or one longer than the source, is not found anywhere.
+ * @param pSrc array to search, @p len elements
+ * @param len number of elements of @p pSrc; may be 0
+ * @param pFind sequence to find, @p lenFind elements
+ * @param lenFind number of elements of @p pFind; may be 0
+ * @param pIndex receives the position
+ * @return ::zovStsNullPtrErr, ::zovStsFindLenErr (len or lenFind negative), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsFind_16u(const Zov16u* pSrc, int len, const Zov16u* pFind, int lenFind,
+                                     int* pIndex);
+
+/**
+ * @brief pDst[i] = newVal where pSrc[i] == oldVal, else pSrc[i]. In place is allowed.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements, all of which are written
+ * @param len number of elements; 0 does nothing
+ * @param oldVal value to look for
+ * @param newVal value that replaces it
+ * @return ::zovStsNullPtrErr, ::zovStsFindLenErr (len negative), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsReplaceC_16u(const Zov16u* pSrc, Zov16u* pDst, int len, Zov16u oldVal,
+                                         Zov16u newVal);
+
+/** @} */
+
+/** @defgroup threshold Thresholds */
+/** @{ */
+
+/**
+ * @brief Limits each element x to a level.
+ * - ::ZOV_CMP_LESS: x = (level > x) ? level : x
+ * - ::ZOV_CMP_GREATER: x = (level < x) ? level : x
+ *
+ * A NaN element stays as it is.
+ * @param pSrcDst array, @p len elements
+ * @param len number of elements
+ * @param level the limit
+ * @param relOp ::ZOV_CMP_LESS or ::ZOV_CMP_GREATER
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsRelationErr, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsThreshold_32f_I(Zov32f* pSrcDst, int len, Zov32f level, int relOp);
+
+/**
+ * @brief Replaces the elements above a level: pDst[i] = x when level >= x, else value, with x =
+ * pSrc[i]. A NaN element is replaced, unlike in the in-place form.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @param level the level
+ * @param value the replacement, any bits
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsThreshold_GTVal_32f(const Zov32f* pSrc, Zov32f* pDst, int len,
+                                                Zov32f level, Zov32f value);
+
+/**
+ * @brief Replaces the elements above a level in place: x = value when x > level, else x.
+ * A NaN element stays as it is, unlike in the form with two arrays.
+ * @param pSrcDst array, @p len elements
+ * @param len number of elements
+ * @param level the level
+ * @param value the replacement, any bits
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsThreshold_GTVal_32f_I(Zov32f* pSrcDst, int len, Zov32f level,
+                                                  Zov32f value);
+
+/**
+ * @brief Replaces the elements below a level: pDst[i] = x when x >= level, else value, with x =
+ * pSrc[i]. A NaN element is replaced, unlike in the in-place form.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @param level the level
+ * @param value the replacement, any bits
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsThreshold_LTVal_32f(const Zov32f* pSrc, Zov32f* pDst, int len,
+                                                Zov32f level, Zov32f value);
+
+/**
+ * @brief Replaces the elements below a level in place: x = value when level > x, else x.
+ * A NaN element stays as it is, unlike in the form with two arrays.
+ * @param pSrcDst array, @p len elements
+ * @param len number of elements
+ * @param level the level
+ * @param value the replacement, any bits
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsThreshold_LTVal_32f_I(Zov32f* pSrcDst, int len, Zov32f level,
+                                                  Zov32f value);
+
+/** @} */
+
+/** @defgroup arithmetic Floating-point arithmetic */
+/** @{ */
+
+/**
+ * @brief pDst[i] = pSrc1[i] + pSrc2[i].
+ * @param pSrc1 first operand, @p len elements
+ * @param pSrc2 second operand, @p len elements
+ * @param pDst destination, @p len elements; may equal a source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAdd_32f(const Zov32f* pSrc1, const Zov32f* pSrc2, Zov32f* pDst,
+                                    int len);
+
+/**
+ * @brief pSrcDst[i] += pSrc[i].
+ * @param pSrc operand, @p len elements
+ * @param pSrcDst array changed in place, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAdd_32f_I(const Zov32f* pSrc, Zov32f* pSrcDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc[i] + val.
+ * A val of 0 copies the source bit for bit.
+ * @param pSrc source, @p len elements
+ * @param val constant operand
+ * @param pDst destination, @p len elements; may equal the source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAddC_32f(const Zov32f* pSrc, Zov32f val, Zov32f* pDst, int len);
+
+/**
+ * @brief pSrcDst[i] += val.
+ * A val of 0 leaves the array as it is.
+ * @param val constant operand
+ * @param pSrcDst array changed in place, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAddC_32f_I(Zov32f val, Zov32f* pSrcDst, int len);
+
+/**
+ * @brief pSrcDst[i] += val.
+ * A val of 0 leaves the array as it is.
+ * @param val constant operand
+ * @param pSrcDst array changed in place, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAddC_64f_I(Zov64f val, Zov64f* pSrcDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc2[i] - pSrc1[i].
+ * The first source is subtracted from the second.
+ * @param pSrc1 subtrahend, @p len elements
+ * @param pSrc2 minuend, @p len elements
+ * @param pDst destination, @p len elements; may equal a source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSub_32f(const Zov32f* pSrc1, const Zov32f* pSrc2, Zov32f* pDst,
+                                    int len);
+
+/**
+ * @brief pSrcDst[i] -= pSrc[i].
+ * @param pSrc operand, @p len elements
+ * @param pSrcDst array changed in place, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSub_32f_I(const Zov32f* pSrc, Zov32f* pSrcDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc[i] - val.
+ * A val of 0 copies the source bit for bit.
+ * @param pSrc source, @p len elements
+ * @param val constant operand
+ * @param pDst destination, @p len elements; may equal the source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSubC_32f(const Zov32f* pSrc, Zov32f val, Zov32f* pDst, int len);
+
+/**
+ * @brief pSrcDst[i] -= val.
+ * A val of 0 leaves the array as it is.
+ * @param val constant operand
+ * @param pSrcDst array changed in place, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSubC_32f_I(Zov32f val, Zov32f* pSrcDst, int len);
+
+/**
+ * @brief pDst[i] = val - pSrc[i].
+ * @param pSrc source, @p len elements
+ * @param val constant operand
+ * @param pDst destination, @p len elements; may equal the source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSubCRev_32f(const Zov32f* pSrc, Zov32f val, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc1[i] * pSrc2[i].
+ * @param pSrc1 first operand, @p len elements
+ * @param pSrc2 second operand, @p len elements
+ * @param pDst destination, @p len elements; may equal a source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMul_32f(const Zov32f* pSrc1, const Zov32f* pSrc2, Zov32f* pDst,
+                                    int len);
+
+/**
+ * @brief pSrcDst[i] *= pSrc[i].
+ * @param pSrc operand, @p len elements
+ * @param pSrcDst array changed in place, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMul_32f_I(const Zov32f* pSrc, Zov32f* pSrcDst, int len);
+
+/**
+ * @brief pSrcDst[i] *= pSrc[i].
+ * @param pSrc operand, @p len elements
+ * @param pSrcDst array changed in place, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMul_64f_I(const Zov64f* pSrc, Zov64f* pSrcDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc1[i] * pSrc2[i], the complex product.
+ * With a + bi and c + di: re = ac - bd, im = ad + bc, each product rounded on its own.
+ * @param pSrc1 first operand, @p len elements
+ * @param pSrc2 second operand, @p len elements
+ * @param pDst destination, @p len elements; may equal a source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMul_64fc(const Zov64fc* pSrc1, const Zov64fc* pSrc2, Zov64fc* pDst,
+                                     int len);
+
+/**
+ * @brief pDst[i] = pSrc[i] * val.
+ * A val of 1 copies the source bit for bit. A val of 0 clears the destination, so that infinities
+ * and NaN become 0 too.
+ * @param pSrc source, @p len elements
+ * @param val constant operand
+ * @param pDst destination, @p len elements; may equal the source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMulC_32f(const Zov32f* pSrc, Zov32f val, Zov32f* pDst, int len);
+
+/**
+ * @brief pSrcDst[i] *= val.
+ * A val of 1 leaves the array as it is. A val of 0 clears the array, so that infinities and NaN
+ * become 0 too.
+ * @param val constant operand
+ * @param pSrcDst array changed in place, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMulC_32f_I(Zov32f val, Zov32f* pSrcDst, int len);
+
+/**
+ * @brief pSrcDst[i] *= val.
+ * A val of 1 leaves the array as it is. A val of 0 clears the array, so that infinities and NaN
+ * become 0 too.
+ * @param val constant operand
+ * @param pSrcDst array changed in place, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMulC_64f_I(Zov64f val, Zov64f* pSrcDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc2[i] / pSrc1[i].
+ * The second source is divided by the first. Where the divisor is zero, of either sign: +infinity
+ * for a dividend above 0, -infinity for one below 0, otherwise the NaN 0xFFC00000; and the status
+ * is
+ * ::zovStsDivByZeroWrn. At level 0 each quotient is correctly rounded. At levels 1 to 6 it comes
+ * from the reciprocal approximation of the processor with a refinement, and may differ in the last
+ * bit; where the two could differ by more, the exact division runs.
+ * @param pSrc1 divisor, @p len elements
+ * @param pSrc2 dividend, @p len elements
+ * @param pDst destination, @p len elements; may equal a source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDivByZeroWrn, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsDiv_32f(const Zov32f* pSrc1, const Zov32f* pSrc2, Zov32f* pDst,
+                                    int len);
+
+/**
+ * @brief pDst[i] = pSrc[i] * (1 / val).
+ * The reciprocal is rounded to binary32 first, so the result may differ from a true division. With
+ * the reciprocal 1 or 0 the short cuts of ::Kelo_zovsMulC_32f apply.
+ * @param pSrc source, @p len elements
+ * @param val divisor
+ * @param pDst destination, @p len elements; may equal the source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDivByZeroErr (val is 0),
+ * ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsDivC_32f(const Zov32f* pSrc, Zov32f val, Zov32f* pDst, int len);
+
+/**
+ * @brief pSrcDst[i] *= 1 / val.
+ * The in-place form of ::Kelo_zovsDivC_32f.
+ * @param val divisor
+ * @param pSrcDst array changed in place, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDivByZeroErr (val is 0),
+ * ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsDivC_32f_I(Zov32f val, Zov32f* pSrcDst, int len);
+
+/**
+ * @brief pDst[i] = val / pSrc[i].
+ * Where the divisor is zero, of either sign: +infinity for a val above 0, -infinity for one below
+ * 0, otherwise the NaN 0xFFC00000; and the status is ::zovStsDivByZeroWrn.
+ * @param pSrc source, @p len elements
+ * @param val dividend
+ * @param pDst destination, @p len elements; may equal the source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDivByZeroWrn, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsDivCRev_32f(const Zov32f* pSrc, Zov32f val, Zov32f* pDst, int len);
+
+/**
+ * @brief pSrcDst[i] = val / pSrcDst[i].
+ * The in-place form of ::Kelo_zovsDivCRev_32f.
+ * @param val dividend
+ * @param pSrcDst array changed in place, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDivByZeroWrn, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsDivCRev_32f_I(Zov32f val, Zov32f* pSrcDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc[i] with the sign bit cleared.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal the source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAbs_32f(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief The sign bit of each element is cleared.
+ * @param pSrcDst array changed in place, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAbs_32f_I(Zov32f* pSrcDst, int len);
+
+/**
+ * @brief pSrcDst[i] *= pSrcDst[i].
+ * @param pSrcDst array changed in place, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSqr_32f_I(Zov32f* pSrcDst, int len);
+
+/**
+ * @brief pDst[i] = the square root of pSrc[i].
+ * -0 gives -0. A negative element gives the NaN 0xFFC00000 and the status ::zovStsSqrtNegArgWrn. At
+ * level 0 the root is correctly rounded, and a NaN element gives 0xFFC00000 with the warning too.
+ * At levels 1 to 6 the root comes from the reciprocal square root approximation of the processor
+ * with one Newton step, within 4 units in the last place, and a NaN element gives that NaN,
+ * quieted, without a warning.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal the source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsSqrtNegArgWrn, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSqrt_32f(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = sqrt(re^2 + im^2) of pSrc[i].
+ * All steps are in binary32, with no guard against overflow.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; must not overlap the source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMagnitude_32fc(const Zov32fc* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = sqrt(re^2 + im^2) of pSrc[i].
+ * All steps are in binary64, with no guard against overflow.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; must not overlap the source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMagnitude_64fc(const Zov64fc* pSrc, Zov64f* pDst, int len);
+
+/**
+ * @brief pDst[i] = sqrt(re^2 + im^2) / 2^scaleFactor of pSrc[i].
+ * The result is correctly rounded with ties to even, and saturated to 32767.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; must not overlap the source
+ * @param len number of elements
+ * @param scaleFactor exponent of the scale 2^-scaleFactor
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMagnitude_16sc_Sfs(const Zov16sc* pSrc, Zov16s* pDst, int len,
+                                               int scaleFactor);
+
+/**
+ * @brief pDst[i] = atan2(im, re) of pSrc[i], in radians.
+ * An element of two zeros, of either sign, gives +0.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; must not overlap the source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsPhase_32fc(const Zov32fc* pSrc, Zov32f* pDst, int len);
+
+/** @} */
+
+/** @defgroup resize Image resize */
+/** @{ */
+
+/**
+ * @brief Size of the work buffer that a resize by the `8u` and `32f` operations needs.
+ * Methods and flags are those of ::ZovInterpolation and the three resize flags, of which at most
+ * one may be set. The size covers an alignment allowance of 16 bytes at levels 0 to 4, 32 bytes at
+ * levels 5 and 6; the buffer itself needs no alignment.
+ * @param srcRoi source rectangle of the resize
+ * @param dstRoi destination rectangle of the resize
+ * @param numChannels 1, 3 or 4
+ * @param interpolation method and flags
+ * @param bufferSize receives the size in bytes; 0 when it would not fit
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (a rectangle with a negative corner or an extent
+ * below 1), ::zovStsNumChannelsErr, ::zovStsInterpolationErr, ::zovStsSizeErr (2^31 bytes or more),
+ * ::zovStsAntialiasIgnoredWrn (the antialias flag with the nearest or area method; the size is
+ * valid), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zoviResizeGetBufSize(ZovImageRect srcRoi, ZovImageRect dstRoi,
+                                             int numChannels, int interpolation, int* bufferSize);
+
+/**
+ * @brief Size of the work buffer that a resize by the `64f` operation needs.
+ * Methods and flags are those of ::ZovInterpolation and the three resize flags, of which at most
+ * one may be set. The size covers an alignment allowance of 16 bytes at levels 0 to 4, 32 bytes at
+ * levels 5 and 6; the buffer itself needs no alignment.
+ * @param srcRoi source rectangle of the resize
+ * @param dstRoi destination rectangle of the resize
+ * @param numChannels 1, 3 or 4
+ * @param interpolation method and flags
+ * @param bufferSize receives the size in bytes; 0 when it would not fit
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (a rectangle with a negative corner or an extent
+ * below 1), ::zovStsNumChannelsErr, ::zovStsInterpolationErr, ::zovStsSizeErr (2^31 bytes or more),
+ * ::zovStsAntialiasIgnoredWrn (the antialias flag with the nearest or area method; the size is
+ * valid), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zoviResizeGetBufSize_64f(ZovImageRect srcRoi, ZovImageRect dstRoi,
+                                                 int numChannels, int interpolation,
+                                                 int* bufferSize);
+
+/**
+ * @brief Resizes an image of one channel of 8 bits.
+ * A point at source coordinate s lands at destination coordinate s times factor plus shift; pixel x
+ * covers the coordinates from x to x + 1. The operation writes the destination pixels whose centres
+ * lie both in the mapped source rectangle and in @p dstRoi (with an edge flag: the pixels that lie
+ * in both completely). Taps may lie outside @p srcRoi, but never outside the image, at whose edges
+ * they are clamped. An image with a side below 6 is resized by ::ZOV_INTERP_CUBIC in place of
+ * ::ZOV_INTERP_LANCZOS, and one with a side below 4 by ::ZOV_INTERP_LINEAR in place of any cubic.
+ * @param src source image, pixel (0, 0)
+ * @param srcSize extent of the whole source image
+ * @param srcStep distance of source rows in bytes, of either sign
+ * @param srcRoi source rectangle to be mapped
+ * @param dst destination image, pixel (0, 0)
+ * @param dstStep distance of destination rows in bytes, of either sign
+ * @param dstRoi destination rectangle, the limit of what is written
+ * @param xFactor horizontal scale; above 1 enlarges
+ * @param yFactor vertical scale
+ * @param xShift horizontal shift in destination pixels
+ * @param yShift vertical shift in destination pixels
+ * @param interpolation method and flags; this release resizes by ::ZOV_INTERP_NEAREST and
+ * ::ZOV_INTERP_LINEAR without flags
+ * @param workBuffer scratch memory of the size that the matching buffer-size operation reports
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr, ::zovStsResizeFactorErr (a factor of 0 or less),
+ * ::zovStsInterpolationErr, ::zovStsResizeFactorErr (a factor above 1 with ::ZOV_INTERP_AREA),
+ * ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
+ * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
+ * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zoviResizeSqrPixel_8u_C1R(const Zov8u* src, ZovImageSize srcSize,
+                                                  int srcStep, ZovImageRect srcRoi, Zov8u* dst,
+                                                  int dstStep, ZovImageRect dstRoi, double xFactor,
+                                                  double yFactor, double xShift, double yShift,
+                                                  int interpolation, Zov8u* workBuffer);
+
+/**
+ * @brief Resizes an image of four interleaved channels of 8 bits.
+ * A point at source coordinate s lands at destination coordinate s times factor plus shift; pixel x
+ * covers the coordinates from x to x + 1. The operation writes the destination pixels whose centres
+ * lie both in the mapped source rectangle and in @p dstRoi (with an edge flag: the pixels that lie
+ * in both completely). Taps may lie outside @p srcRoi, but never outside the image, at whose edges
+ * they are clamped. An image with a side below 6 is resized by ::ZOV_INTERP_CUBIC in place of
+ * ::ZOV_INTERP_LANCZOS, and one with a side below 4 by ::ZOV_INTERP_LINEAR in place of any cubic.
+ * @param src source image, pixel (0, 0)
+ * @param srcSize extent of the whole source image
+ * @param srcStep distance of source rows in bytes, of either sign
+ * @param srcRoi source rectangle to be mapped
+ * @param dst destination image, pixel (0, 0)
+ * @param dstStep distance of destination rows in bytes, of either sign
+ * @param dstRoi destination rectangle, the limit of what is written
+ * @param xFactor horizontal scale; above 1 enlarges
+ * @param yFactor vertical scale
+ * @param xShift horizontal shift in destination pixels
+ * @param yShift vertical shift in destination pixels
+ * @param interpolation method and flags; this release resizes by ::ZOV_INTERP_NEAREST and
+ * ::ZOV_INTERP_LINEAR without flags
+ * @param workBuffer scratch memory of the size that the matching buffer-size operation reports
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr, ::zovStsResizeFactorErr (a factor of 0 or less),
+ * ::zovStsInterpolationErr, ::zovStsResizeFactorErr (a factor above 1 with ::ZOV_INTERP_AREA),
+ * ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
+ * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
+ * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zoviResizeSqrPixel_8u_C4R(const Zov8u* src, ZovImageSize srcSize,
+                                                  int srcStep, ZovImageRect srcRoi, Zov8u* dst,
+                                                  int dstStep, ZovImageRect dstRoi, double xFactor,
+                                                  double yFactor, double xShift, double yShift,
+                                                  int interpolation, Zov8u* workBuffer);
+
+/**
+ * @brief Resizes an image of one channel of binary32.
+ * A point at source coordinate s lands at destination coordinate s times factor plus shift; pixel x
+ * covers the coordinates from x to x + 1. The operation writes the destination pixels whose centres
+ * lie both in the mapped source rectangle and in @p dstRoi (with an edge flag: the pixels that lie
+ * in both completely). Taps may lie outside @p srcRoi, but never outside the image, at whose edges
+ * they are clamped. An image with a side below 6 is resized by ::ZOV_INTERP_CUBIC in place of
+ * ::ZOV_INTERP_LANCZOS, and one with a side below 4 by ::ZOV_INTERP_LINEAR in place of any cubic.
+ * @param src source image, pixel (0, 0)
+ * @param srcSize extent of the whole source image
+ * @param srcStep distance of source rows in bytes, of either sign
+ * @param srcRoi source rectangle to be mapped
+ * @param dst destination image, pixel (0, 0)
+ * @param dstStep distance of destination rows in bytes, of either sign
+ * @param dstRoi destination rectangle, the limit of what is written
+ * @param xFactor horizontal scale; above 1 enlarges
+ * @param yFactor vertical scale
+ * @param xShift horizontal shift in destination pixels
+ * @param yShift vertical shift in destination pixels
+ * @param interpolation method and flags; this release resizes by ::ZOV_INTERP_NEAREST and
+ * ::ZOV_INTERP_LINEAR without flags
+ * @param workBuffer scratch memory of the size that the matching buffer-size operation reports
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr, ::zovStsResizeFactorErr (a factor of 0 or less),
+ * ::zovStsInterpolationErr, ::zovStsResizeFactorErr (a factor above 1 with ::ZOV_INTERP_AREA),
+ * ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
+ * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
+ * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zoviResizeSqrPixel_32f_C1R(const Zov32f* src, ZovImageSize srcSize,
+                                                   int srcStep, ZovImageRect srcRoi, Zov32f* dst,
+                                                   int dstStep, ZovImageRect dstRoi, double xFactor,
+                                                   double yFactor, double xShift, double yShift,
+                                                   int interpolation, Zov8u* workBuffer);
+
+/**
+ * @brief Resizes an image of one channel of binary64.
+ * A point at source coordinate s lands at destination coordinate s times factor plus shift; pixel x
+ * covers the coordinates from x to x + 1. The operation writes the destination pixels whose centres
+ * lie both in the mapped source rectangle and in @p dstRoi (with an edge flag: the pixels that lie
+ * in both completely). Taps may lie outside @p srcRoi, but never outside the image, at whose edges
+ * they are clamped. An image with a side below 6 is resized by ::ZOV_INTERP_CUBIC in place of
+ * ::ZOV_INTERP_LANCZOS, and one with a side below 4 by ::ZOV_INTERP_LINEAR in place of any cubic.
+ * @param src source image, pixel (0, 0)
+ * @param srcSize extent of the whole source image
+ * @param srcStep distance of source rows in bytes, of either sign
+ * @param srcRoi source rectangle to be mapped
+ * @param dst destination image, pixel (0, 0)
+ * @param dstStep distance of destination rows in bytes, of either sign
+ * @param dstRoi destination rectangle, the limit of what is written
+ * @param xFactor horizontal scale; above 1 enlarges
+ * @param yFactor vertical scale
+ * @param xShift horizontal shift in destination pixels
+ * @param yShift vertical shift in destination pixels
+ * @param interpolation method and flags; this release resizes by ::ZOV_INTERP_NEAREST and
+ * ::ZOV_INTERP_LINEAR without flags
+ * @param workBuffer scratch memory of the size that the matching buffer-size operation reports
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr, ::zovStsResizeFactorErr (a factor of 0 or less),
+ * ::zovStsInterpolationErr, ::zovStsResizeFactorErr (a factor above 1 with ::ZOV_INTERP_AREA),
+ * ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
+ * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
+ * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zoviResizeSqrPixel_64f_C1R(const Zov64f* src, ZovImageSize srcSize,
+                                                   int srcStep, ZovImageRect srcRoi, Zov64f* dst,
+                                                   int dstStep, ZovImageRect dstRoi, double xFactor,
+                                                   double yFactor, double xShift, double yShift,
+                                                   int interpolation, Zov8u* workBuffer);
+
+/** @} */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,220 @@
+// Vectors of the level being built. Vec<T, N> holds N lanes of T; VecF and VecD fill the widest
+// register that the level has for floating point, VecI<T> the widest for integers. Arithmetic,
+// comparisons and bit operations are the compiler's own; what has a hardware meaning of its own
+// (operand order of min and max, approximations, masks) is a named function.
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstdint>
+
+#include "core/level.h"
+
+namespace zov::ZOV_LEVEL_NAMESPACE {
+
+inline constexpr int kFloatVectorBytes = kLevel >= Level::avx ? 32 : 16;
+inline constexpr int kIntVectorBytes = kLevel >= Level::avx2 ? 32 : 16;
+
+template <int kLaneBytes>
+struct MaskLane;
+template <>
+struct MaskLane<1> {
+  using Type = std::int8_t;
+};
+template <>
+struct MaskLane<2> {
+  using Type = std::int16_t;
+};
+template <>
+struct MaskLane<4> {
+  using Type = std::int32_t;
+};
+template <>
+struct MaskLane<8> {
+  using Type = std::int64_t;
+};
+
+template <class T, int N>
+struct Vec {
+  using Lane = T;
+  static constexpr int kLanes = N;
+  static constexpr int kBytes = N * static_cast<int>(sizeof(T));
+  using Mask = Vec<typename MaskLane<sizeof(T)>::Type, N>;
+
+  typedef T Native __attribute__((vector_size(N * sizeof(T))));
+  typedef T Anywhere __attribute__((vector_size(N * sizeof(T)), aligned(1), may_alias));
+  typedef T Aligned __attribute__((vector_size(N * sizeof(T)), may_alias));
+
+  Native v;
+
+  static ZOV_INLINE Vec Load(const void* p) { return {*static_cast<const Anywhere*>(p)}; }
+  static ZOV_INLINE Vec LoadAligned(const void* p) { return {*static_cast<const Aligned*>(p)}; }
+  // Lane by lane, so that no bit of x changes; the compiler makes one instruction of it.
+  static ZOV_INLINE Vec Broadcast(T x) {
+    Vec r;
+    for (int i = 0; i < N; ++i) r.v[i] = x;
+    return r;
+  }
+  static ZOV_INLINE Vec Zero() { return {Native{}}; }
+
+  ZOV_INLINE void Store(void* p) const { *static_cast<Anywhere*>(p) = v; }
+  ZOV_INLINE void StoreAligned(void* p) const { *static_cast<Aligned*>(p) = v; }
+
+  // Bypasses the cache; the address is aligned to the vector.
+  ZOV_INLINE void Stream(void* p) const {
+#if defined(__AVX__)
+    if constexpr (kBytes == 32) {
+      _mm256_stream_si256(static_cast<__m256i*>(p), (__m256i)v);
+      return;
+    }
+#endif
+    if constexpr (kBytes == 16) _mm_stream_si128(static_cast<__m128i*>(p), (__m128i)v);
+  }
+
+  friend ZOV_INLINE Vec operator+(Vec a, Vec b) { return {a.v + b.v}; }
+  friend ZOV_INLINE Vec operator-(Vec a, Vec b) { return {a.v - b.v}; }
+  friend ZOV_INLINE Vec operator*(Vec a, Vec b) { return {a.v * b.v}; }
+  friend ZOV_INLINE Vec operator/(Vec a, Vec b) { return {a.v / b.v}; }
+  friend ZOV_INLINE Vec operator&(Vec a, Vec b) { return FromBits(a.Bits() & b.Bits()); }
+  friend ZOV_INLINE Vec operator|(Vec a, Vec b) { return FromBits(a.Bits() | b.Bits()); }
+  friend ZOV_INLINE Vec operator^(Vec a, Vec b) { return FromBits(a.Bits() ^ b.Bits()); }
+
+  // Lane masks: all ones where the relation holds.
+  friend ZOV_INLINE Mask operator<(Vec a, Vec b) {
+    return Mask{(typename Mask::Native)(a.v < b.v)};
+  }
+  friend ZOV_INLINE Mask operator>(Vec a, Vec b) {
+    return Mask{(typename Mask::Native)(a.v > b.v)};
+  }
+  friend ZOV_INLINE Mask operator<=(Vec a, Vec b) {
+    return Mask{(typename Mask::Native)(a.v <= b.v)};
+  }
+  friend ZOV_INLINE Mask operator>=(Vec a, Vec b) {
+    return Mask{(typename Mask::Native)(a.v >= b.v)};
+  }
+  friend ZOV_INLINE Mask operator==(Vec a, Vec b) {
+    return Mask{(typename Mask::Native)(a.v == b.v)};
+  }
+
+  typedef std::int64_t BitsNative __attribute__((vector_size(N * sizeof(T))));
+  ZOV_INLINE BitsNative Bits() const { return (BitsNative)v; }
+  static ZOV_INLINE Vec FromBits(BitsNative bits) { return {(Native)bits}; }
+};
+
+using VecF = Vec<float, kFloatVectorBytes / 4>;
+using VecD = Vec<double, kFloatVectorBytes / 8>;
+template <class T>
+using VecI = Vec<T, kIntVectorBytes / static_cast<int>(sizeof(T))>;
+template <class T>
+using Vec128 = Vec<T, 16 / static_cast<int>(sizeof(T))>;
+
+// The same bits as lanes of another type.
+template <class To, class T, int N>
+ZOV_INLINE Vec<To, N* static_cast<int>(sizeof(T)) / static_cast<int>(sizeof(To))> As(Vec<T, N> a) {
+  using Result = Vec<To, N* static_cast<int>(sizeof(T)) / static_cast<int>(sizeof(To))>;
+  return {(typename Result::Native)a.v};
+}
+
+// mask ? a : b, lane by lane; the lanes of the mask are all ones or all zeros.
+template <class T, int N>
+ZOV_INLINE Vec<T, N> Select(typename Vec<T, N>::Mask mask, Vec<T, N> a, Vec<T, N> b) {
+  return {mask.v ? a.v : b.v};
+}
+
+// b & ~a
+template <class T, int N>
+ZOV_INLINE Vec<T, N> AndNot(Vec<T, N> a, Vec<T, N> b) {
+  return Vec<T, N>::FromBits(~a.Bits() & b.Bits());
+}
+
+// a < b ? a : b and a > b ? a : b: the second operand when either is a NaN or both are zero.
+ZOV_INLINE Vec<float, 4> Min(Vec<float, 4> a, Vec<float, 4> b) { return {_mm_min_ps(a.v, b.v)}; }
+ZOV_INLINE Vec<float, 4> Max(Vec<float, 4> a, Vec<float, 4> b) { return {_mm_max_ps(a.v, b.v)}; }
+ZOV_INLINE Vec<double, 2> Min(Vec<double, 2> a, Vec<double, 2> b) { return {_mm_min_pd(a.v, b.v)}; }
+ZOV_INLINE Vec<double, 2> Max(Vec<double, 2> a, Vec<double, 2> b) { return {_mm_max_pd(a.v, b.v)}; }
+
+ZOV_INLINE Vec<float, 4> Sqrt(Vec<float, 4> a) { return {_mm_sqrt_ps(a.v)}; }
+ZOV_INLINE Vec<double, 2> Sqrt(Vec<double, 2> a) { return {_mm_sqrt_pd(a.v)}; }
+
+// The processor's approximations, about 12 bits.
+ZOV_INLINE Vec<float, 4> ApproxReciprocal(Vec<float, 4> a) { return {_mm_rcp_ps(a.v)}; }
+ZOV_INLINE Vec<float, 4> ApproxReciprocalSqrt(Vec<float, 4> a) { return {_mm_rsqrt_ps(a.v)}; }
+
+// One bit for each lane: its sign bit.
+ZOV_INLINE unsigned MoveMask(Vec<float, 4> a) {
+  return static_cast<unsigned>(_mm_movemask_ps(a.v));
+}
+ZOV_INLINE unsigned MoveMask(Vec<double, 2> a) {
+  return static_cast<unsigned>(_mm_movemask_pd(a.v));
+}
+ZOV_INLINE unsigned MoveMask(Vec<std::int8_t, 16> a) {
+  return static_cast<unsigned>(_mm_movemask_epi8((__m128i)a.v));
+}
+ZOV_INLINE unsigned MoveMask(Vec<std::int32_t, 4> a) {
+  return static_cast<unsigned>(_mm_movemask_ps((__m128)a.v));
+}
+ZOV_INLINE unsigned MoveMask(Vec<std::int64_t, 2> a) {
+  return static_cast<unsigned>(_mm_movemask_pd((__m128d)a.v));
+}
+
+#if defined(__AVX__)
+ZOV_INLINE Vec<float, 8> Min(Vec<float, 8> a, Vec<float, 8> b) { return {_mm256_min_ps(a.v, b.v)}; }
+ZOV_INLINE Vec<float, 8> Max(Vec<float, 8> a, Vec<float, 8> b) { return {_mm256_max_ps(a.v, b.v)}; }
+ZOV_INLINE Vec<double, 4> Min(Vec<double, 4> a, Vec<double, 4> b) {
+  return {_mm256_min_pd(a.v, b.v)};
+}
+ZOV_INLINE Vec<double, 4> Max(Vec<double, 4> a, Vec<double, 4> b) {
+  return {_mm256_max_pd(a.v, b.v)};
+}
+ZOV_INLINE Vec<float, 8> Sqrt(Vec<float, 8> a) { return {_mm256_sqrt_ps(a.v)}; }
+ZOV_INLINE Vec<double, 4> Sqrt(Vec<double, 4> a) { return {_mm256_sqrt_pd(a.v)}; }
+ZOV_INLINE Vec<float, 8> ApproxReciprocal(Vec<float, 8> a) { return {_mm256_rcp_ps(a.v)}; }
+ZOV_INLINE Vec<float, 8> ApproxReciprocalSqrt(Vec<float, 8> a) { return {_mm256_rsqrt_ps(a.v)}; }
+ZOV_INLINE unsigned MoveMask(Vec<float, 8> a) {
+  return static_cast<unsigned>(_mm256_movemask_ps(a.v));
+}
+ZOV_INLINE unsigned MoveMask(Vec<double, 4> a) {
+  return static_cast<unsigned>(_mm256_movemask_pd(a.v));
+}
+ZOV_INLINE unsigned MoveMask(Vec<std::int32_t, 8> a) {
+  return static_cast<unsigned>(_mm256_movemask_ps((__m256)a.v));
+}
+ZOV_INLINE unsigned MoveMask(Vec<std::int64_t, 4> a) {
+  return static_cast<unsigned>(_mm256_movemask_pd((__m256d)a.v));
+}
+#endif
+
+#if defined(__AVX2__)
+ZOV_INLINE unsigned MoveMask(Vec<std::int8_t, 32> a) {
+  return static_cast<unsigned>(_mm256_movemask_epi8((__m256i)a.v));
+}
+#endif
+
+#if defined(__FMA__)
+// a * b + c with one rounding; for routines that are defined with it.
+ZOV_INLINE Vec<float, 4> MulAdd(Vec<float, 4> a, Vec<float, 4> b, Vec<float, 4> c) {
+  return {_mm_fmadd_ps(a.v, b.v, c.v)};
+}
+ZOV_INLINE Vec<float, 8> MulAdd(Vec<float, 8> a, Vec<float, 8> b, Vec<float, 8> c) {
+  return {_mm256_fmadd_ps(a.v, b.v, c.v)};
+}
+ZOV_INLINE Vec<double, 2> MulAdd(Vec<double, 2> a, Vec<double, 2> b, Vec<double, 2> c) {
+  return {_mm_fmadd_pd(a.v, b.v, c.v)};
+}
+ZOV_INLINE Vec<double, 4> MulAdd(Vec<double, 4> a, Vec<double, 4> b, Vec<double, 4> c) {
+  return {_mm256_fmadd_pd(a.v, b.v, c.v)};
+}
+#endif
+
+// Bytes from p up to the next multiple of kAlignment.
+template <int kAlignment>
+ZOV_INLINE std::uintptr_t BytesToAlign(const void* p) {
+  return (0 - reinterpret_cast<std::uintptr_t>(p)) & (kAlignment - 1);
+}
+
+template <int kAlignment>
+ZOV_INLINE bool IsAligned(const void* p) {
+  return (reinterpret_cast<std::uintptr_t>(p) & (kAlignment - 1)) == 0;
+}
+
+}  // namespace zov::ZOV_LEVEL_NAMESPACE

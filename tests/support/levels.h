@@ -1,0 +1,32 @@
+// Calls an export at every level that the processor runs, through the export's own table.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "core/cpu.h"
+#include "exports/tables.h"
+
+namespace zov::test {
+
+inline const char* LevelName(int level) {
+  static constexpr const char* kNames[] = {"sse2", "sse3", "ssse3", "ssse3_movbe",
+                                           "sse4", "avx",  "avx2"};
+  return kNames[level];
+}
+
+// Runs body(level) for each level that the processor can execute; a failure names the level.
+template <class Body>
+void ForEachLevel(Body body) {
+  for (int level = 0; level <= zovDispatchIndex; ++level) {
+    SCOPED_TRACE(std::string("level ") + std::to_string(level) + " " + LevelName(level));
+    body(level);
+    if (::testing::Test::HasFatalFailure()) return;
+  }
+}
+
+// The routine of an export at a level: ZOV_AT(level, zovsAdd_32f)(a, b, c, n).
+#define ZOV_AT(level, name) (zovTable_##name[level])
+
+}  // namespace zov::test
