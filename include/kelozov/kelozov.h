@@ -1,6 +1,10 @@
 /**
  * @file kelozov.h
  * @brief Numeric primitives for signal and image processing: the whole public interface.
+ */
+
+/**
+ * @mainpage Numeric primitives for signal and image processing
  *
  * Every primitive is a plain function on memory that the caller owns. A name reads, left to right:
  * the prefix `Kelo_`, the domain (`zovs` for signals, `zovi` for images), the operation, the
@@ -10,7 +14,8 @@
  * Within the operation `C` means a constant operand and `Rev` reversed operands.
  *
  * Arguments come in this order: sources, a constant operand, destination, length, further
- * parameters. Array arguments need no alignment beyond that of their address in bytes.
+ * parameters, scale factor. Lengths count elements, steps are in bytes. Arrays need no alignment,
+ * not even that of their element type.
  *
  * Every primitive tests its arguments before it touches any element, and stops at the first test
  * that fails: every pointer against null (::zovStsNullPtrErr), the identity tag of a state object
@@ -19,20 +24,27 @@
  * status) means that the output is complete, except for the two resize warnings
  * ::zovStsNoOperationWrn and ::zovStsResizeRoiWrn, which mean that nothing was written.
  *
- * Aliasing: an in-place form takes one array once. Every element-wise primitive also accepts a
- * destination that equals a source. Arrays that overlap in another way are not supported.
+ * Aliasing: an in-place form takes one array once. An element-wise primitive also accepts a
+ * destination that equals a source of the same element type. Arrays that overlap in another way are
+ * not supported.
  *
  * Each primitive comes in up to seven builds, one for each instruction-set level: SSE2, SSE3,
  * SSSE3, SSSE3 with MOVBE, SSE4.1, AVX and AVX2. The level is chosen once, when the library is
- * loaded. Results do not depend on the level except where a description says so.
+ * loaded. Results do not depend on the level except where a description says so; the descriptions
+ * number the levels 0 to 6 in this order.
  *
- * All primitives are re-entrant.
+ * No primitive keeps state between calls: all may run at the same time in several threads on
+ * distinct outputs. None prints, aborts or raises an exception.
  */
 #ifndef KELOZOV_KELOZOV_H
 #define KELOZOV_KELOZOV_H
 
 #include <stdint.h>
 
+/**
+ * @def KELO_API
+ * @brief Marks an exported function.
+ */
 #if defined(_WIN32) && !defined(KELOZOV_BUILDING)
 #define KELO_API __declspec(dllimport)
 #elif defined(__GNUC__) && !defined(_WIN32)
@@ -104,9 +116,9 @@ enum ZovStatusCode {
   zovStsZeroCrossingModeErr = -7, /**< zero-crossing mode is not 0, 1 or 2 */
   zovStsNullPtrErr = -8,          /**< a pointer argument is null */
   zovStsMemAllocErr = -9,         /**< work memory or a state object could not be allocated */
-  zovStsDivByZeroErr = -10,       /**< a scalar divisor or leading coefficient is zero */
+  zovStsDivByZeroErr = -10,       /**< a scalar divisor or leading coefficient is (almost) zero */
   zovStsBitDepthErr = -11,        /**< bit depth is outside 1 to 16 */
-  zovStsStepErr = -14,            /**< a row step in bytes is smaller than one row */
+  zovStsStepErr = -14,            /**< a row step below one row, or a TIFF row length below 1 */
   zovStsFftOrderErr = -15,        /**< FFT order outside its range */
   zovStsFftFlagErr = -16,         /**< FFT normalisation flag unknown */
   zovStsContextMatchErr = -17,    /**< the identity tag of a state object does not match */
@@ -130,7 +142,7 @@ enum ZovStatusCode {
   zovStsIirGenSizeErr = -182,     /**< internal: row step of the IIR design solver */
   zovStsIirGenUnstableErr = -195, /**< internal: pivot of the IIR design solver near zero */
   zovStsIirGenOrderErr = -206,    /**< IIR design order outside 1 to 12 */
-  zovStsIirGenFreqErr = -208,     /**< IIR design frequency outside 0 to 0.5 */
+  zovStsIirGenFreqErr = -208,     /**< IIR design frequency outside the open range 0 to 0.5 */
   zovStsIirGenParamErr = -209,    /**< Chebyshev deviation outside 0 to 29 decibels */
   zovStsNoOperationWrn = 1,       /**< nothing to do: the regions do not intersect */
   zovStsSqrtNegArgWrn = 3,        /**< an input of a square root was negative */
@@ -229,7 +241,7 @@ KELO_API Zov8u* Kelo_zovsMalloc_8u(int len);
 
 /**
  * @brief Releases a block of ::Kelo_zovsMalloc_8u. A null pointer is accepted and ignored.
- * @param ptr the block, or null
+ * @param ptr the block, or null; any other pointer is undefined behaviour
  */
 KELO_API void Kelo_zovsFree(void* ptr);
 
