@@ -17,6 +17,6 @@ file(CONFIGURE OUTPUT ${KELOZOV_VERSION_SCRIPT}
   CONTENT "KELOZOV_@PROJECT_VERSION_MAJOR@ {\n  global:\n    @names@;\n  local:\n    *;\n};\n" @ONLY)
 list(JOIN KELOZOV_EXPORTS "\n  " names)
 file(CONFIGURE OUTPUT ${KELOZOV_DEF_FILE}
-  CONTENT "LIBRARY kelozov\nEXPORTS\n  @names@\n" @ONLY)
+  CONTENT "LIBRARY kelozov.dll\nEXPORTS\n  @names@\n" @ONLY)
 list(JOIN KELOZOV_EXPORTS "\n" names)
 file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/exports.txt CONTENT "@names@\n" @ONLY)
