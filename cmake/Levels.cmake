@@ -31,7 +31,8 @@ target_include_directories(kelozov_flags INTERFACE
   ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
 if(KELOZOV_SANITIZE)
   target_compile_options(kelozov_flags INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=address,undefined -fno-sanitize=alignment -fno-sanitize-recover=all
+    -fno-omit-frame-pointer)
   target_link_options(kelozov_flags INTERFACE -fsanitize=address,undefined)
 endif()
 
@@ -61,9 +62,10 @@ set(number 0)
 foreach(level IN LISTS KELOZOV_LEVELS)
   add_library(kelozov_level_${level} OBJECT)
   target_compile_definitions(kelozov_level_${level} PRIVATE ZOV_LEVEL=${number})
-  # Fill and copy loops stay what they are: no call of the C library stands in for them.
+  # Fill and copy loops stay what they are: no call of the C library stands in for them. Nor does
+  # the compiler vectorise a loop by itself, as it would count on arrays aligned to their elements.
   target_compile_options(kelozov_level_${level} PRIVATE
-    ${KELOZOV_FLAGS_${level}} $<$<CXX_COMPILER_ID:GNU>:-fno-tree-loop-distribute-patterns>)
+    ${KELOZOV_FLAGS_${level}} $<$<CXX_COMPILER_ID:GNU>:-fno-tree-loop-distribute-patterns -fno-tree-loop-vectorize>)
   target_link_libraries(kelozov_level_${level} PRIVATE kelozov_flags)
   set_target_properties(kelozov_level_${level} PROPERTIES POSITION_INDEPENDENT_CODE ON)
   math(EXPR number "${number} + 1")

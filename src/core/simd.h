@@ -7,6 +7,7 @@
 #include <immintrin.h>
 
 #include <cstdint>
+#include <type_traits>
 
 #include "core/level.h"
 
@@ -49,11 +50,21 @@ struct Vec {
 
   static ZOV_INLINE Vec Load(const void* p) { return {*static_cast<const Anywhere*>(p)}; }
   static ZOV_INLINE Vec LoadAligned(const void* p) { return {*static_cast<const Aligned*>(p)}; }
-  // Lane by lane, so that no bit of x changes; the compiler makes one instruction of it.
+  // No bit of x changes.
   static ZOV_INLINE Vec Broadcast(T x) {
-    Vec r;
-    for (int i = 0; i < N; ++i) r.v[i] = x;
-    return r;
+    if constexpr (std::is_same_v<T, float>) {
+#if defined(__AVX__)
+      if constexpr (N == 8) return {(Native)_mm256_set1_ps(x)};
+#endif
+      if constexpr (N == 4) return {(Native)_mm_set1_ps(x)};
+    } else if constexpr (std::is_same_v<T, double>) {
+#if defined(__AVX__)
+      if constexpr (N == 4) return {(Native)_mm256_set1_pd(x)};
+#endif
+      if constexpr (N == 2) return {(Native)_mm_set1_pd(x)};
+    } else {
+      return {x | Native{}};
+    }
   }
   static ZOV_INLINE Vec Zero() { return {Native{}}; }
 
@@ -105,6 +116,21 @@ using VecF = Vec<float, kFloatVectorBytes / 4>;
 using VecD = Vec<double, kFloatVectorBytes / 8>;
 template <class T>
 using VecI = Vec<T, kIntVectorBytes / static_cast<int>(sizeof(T))>;
+// The widest vector of the level for an element type.
+template <class T>
+struct WidestOf {
+  using Type = VecI<T>;
+};
+template <>
+struct WidestOf<float> {
+  using Type = VecF;
+};
+template <>
+struct WidestOf<double> {
+  using Type = VecD;
+};
+template <class T>
+using Widest = typename WidestOf<T>::Type;
 template <class T>
 using Vec128 = Vec<T, 16 / static_cast<int>(sizeof(T))>;
 
@@ -132,6 +158,32 @@ ZOV_INLINE Vec<float, 4> Min(Vec<float, 4> a, Vec<float, 4> b) { return {_mm_min
 ZOV_INLINE Vec<float, 4> Max(Vec<float, 4> a, Vec<float, 4> b) { return {_mm_max_ps(a.v, b.v)}; }
 ZOV_INLINE Vec<double, 2> Min(Vec<double, 2> a, Vec<double, 2> b) { return {_mm_min_pd(a.v, b.v)}; }
 ZOV_INLINE Vec<double, 2> Max(Vec<double, 2> a, Vec<double, 2> b) { return {_mm_max_pd(a.v, b.v)}; }
+
+// Of integers, where the order of operands does not matter.
+template <class T, int N>
+ZOV_INLINE Vec<T, N> Min(Vec<T, N> a, Vec<T, N> b) {
+  static_assert(static_cast<T>(0.5) == 0, "floating point has the forms above");
+  return {a.v < b.v ? a.v : b.v};
+}
+template <class T, int N>
+ZOV_INLINE Vec<T, N> Max(Vec<T, N> a, Vec<T, N> b) {
+  static_assert(static_cast<T>(0.5) == 0, "floating point has the forms above");
+  return {a.v > b.v ? a.v : b.v};
+}
+
+#if !defined(__SSE4_1__)
+// Without an instruction of their own, unsigned 16-bit lanes go through the saturated difference.
+ZOV_INLINE Vec<std::uint16_t, 8> SaturatedDifference(Vec<std::uint16_t, 8> a,
+                                                     Vec<std::uint16_t, 8> b) {
+  return {(Vec<std::uint16_t, 8>::Native)_mm_subs_epu16((__m128i)a.v, (__m128i)b.v)};
+}
+ZOV_INLINE Vec<std::uint16_t, 8> Min(Vec<std::uint16_t, 8> a, Vec<std::uint16_t, 8> b) {
+  return a - SaturatedDifference(a, b);
+}
+ZOV_INLINE Vec<std::uint16_t, 8> Max(Vec<std::uint16_t, 8> a, Vec<std::uint16_t, 8> b) {
+  return b + SaturatedDifference(a, b);
+}
+#endif
 
 ZOV_INLINE Vec<float, 4> Sqrt(Vec<float, 4> a) { return {_mm_sqrt_ps(a.v)}; }
 ZOV_INLINE Vec<double, 2> Sqrt(Vec<double, 2> a) { return {_mm_sqrt_pd(a.v)}; }
@@ -205,6 +257,24 @@ ZOV_INLINE Vec<double, 4> MulAdd(Vec<double, 4> a, Vec<double, 4> b, Vec<double,
   return {_mm256_fmadd_pd(a.v, b.v, c.v)};
 }
 #endif
+
+// One vector of doubles from as many elements.
+ZOV_INLINE VecD LoadAsDouble(const double* p) { return VecD::Load(p); }
+ZOV_INLINE VecD LoadAsDouble(const float* p) {
+#if defined(__AVX__)
+  return {_mm256_cvtps_pd(_mm_loadu_ps(p))};
+#else
+  return {_mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))))};
+#endif
+}
+
+// The sum of the lanes, from the first to the last.
+template <class T, int N>
+ZOV_INLINE T AddLanes(Vec<T, N> x) {
+  T sum = x.v[0];
+  for (int i = 1; i < N; ++i) sum = static_cast<T>(sum + x.v[i]);
+  return sum;
+}
 
 // Bytes from p up to the next multiple of kAlignment.
 template <int kAlignment>
