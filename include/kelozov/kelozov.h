@@ -764,6 +764,187 @@ KELO_API ZovStatus Kelo_zovsPhase_32fc(const Zov32fc* pSrc, Zov32f* pDst, int le
 
 /** @} */
 
+/** @defgroup statistics Sums, means, deviation and extremes */
+/** @{ */
+
+/**
+ * @brief The sum of the elements times 2^-scaleFactor.
+ * The sum is exact, is rounded to nearest with ties to even for a positive scale factor (and is 0
+ * above 48), and saturates. A negative scale factor shifts the saturated sum left and saturates
+ * again.
+ * @param pSrc source, @p len elements
+ * @param len number of elements
+ * @param pSum receives the sum
+ * @param scaleFactor exponent of the scale 2^-scaleFactor
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSum_16s32s_Sfs(const Zov16s* pSrc, int len, Zov32s* pSum,
+                                           int scaleFactor);
+
+/**
+ * @brief The mean of the elements times 2^-scaleFactor.
+ * The exact sum is divided once, rounded to nearest with ties to even, and saturated. The mean is 0
+ * from a scale factor of 16 on; below -14 it saturates by the sign of the sum.
+ * @param pSrc source, @p len elements
+ * @param len number of elements
+ * @param pMean receives the mean
+ * @param scaleFactor exponent of the scale 2^-scaleFactor
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMean_16s_Sfs(const Zov16s* pSrc, int len, Zov16s* pMean,
+                                         int scaleFactor);
+
+/**
+ * @brief The mean of the elements times 2^-scaleFactor.
+ * With D the division by len rounded half to even: D(sum) for a scale factor of 0; for a positive
+ * one D(sum) is shifted right with a second rounding half to even; for a negative one from -31 on
+ * D(sum * 2^-scaleFactor) where the sum fits in 32 bits, else D(sum) * 2^-scaleFactor; below,
+ * D(sum) saturates by its sign. The result saturates.
+ * @param pSrc source, @p len elements
+ * @param len number of elements
+ * @param pMean receives the mean
+ * @param scaleFactor exponent of the scale 2^-scaleFactor
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMean_32s_Sfs(const Zov32s* pSrc, int len, Zov32s* pMean,
+                                         int scaleFactor);
+
+/**
+ * @brief The mean of the elements: their sum in binary64, divided by len, rounded once to binary32.
+ * The grouping of the sum differs between levels.
+ * @param pSrc source, @p len elements
+ * @param len number of elements
+ * @param pMean receives the mean
+ * @param hint accepted and not read
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMean_32f(const Zov32f* pSrc, int len, Zov32f* pMean, int hint);
+
+/**
+ * @brief The mean of the elements in binary64. The grouping of the sum differs between levels.
+ * @param pSrc source, @p len elements
+ * @param len number of elements
+ * @param pMean receives the mean
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMean_64f(const Zov64f* pSrc, int len, Zov64f* pMean);
+
+/**
+ * @brief The sample standard deviation, in one pass.
+ * With S the sum of x, Q the sum of x^2 and n = len: sqrt((n Q - S^2) / ((n - 1) n)) when n Q - S^2
+ * is above 0, and 0 otherwise, so that the result is never a NaN. Sums are in binary64; from level
+ * 1 on a hint of 1 keeps those of each 1024 elements in binary32.
+ * @param pSrc source, @p len elements
+ * @param len number of elements, 2 or more
+ * @param pStdDev receives the deviation
+ * @param hint 1 for speed; any other value for accuracy
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 2), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsStdDev_32f(const Zov32f* pSrc, int len, Zov32f* pStdDev, int hint);
+
+/**
+ * @brief The largest element.
+ * @param pSrc source, @p len elements
+ * @param len number of elements
+ * @param pMax receives the value
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMax_16s(const Zov16s* pSrc, int len, Zov16s* pMax);
+
+/**
+ * @brief The largest element.
+ * A NaN at element 0 stays; any other NaN is passed over.
+ * @param pSrc source, @p len elements
+ * @param len number of elements
+ * @param pMax receives the value
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMax_32f(const Zov32f* pSrc, int len, Zov32f* pMax);
+
+/**
+ * @brief The largest element.
+ * A NaN at element 0 stays; any other NaN is passed over.
+ * @param pSrc source, @p len elements
+ * @param len number of elements
+ * @param pMax receives the value
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMax_64f(const Zov64f* pSrc, int len, Zov64f* pMax);
+
+/**
+ * @brief The smallest element.
+ * @param pSrc source, @p len elements
+ * @param len number of elements
+ * @param pMin receives the value
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMin_16s(const Zov16s* pSrc, int len, Zov16s* pMin);
+
+/**
+ * @brief The smallest element.
+ * A NaN at element 0 stays; any other NaN is passed over.
+ * @param pSrc source, @p len elements
+ * @param len number of elements
+ * @param pMin receives the value
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMin_32f(const Zov32f* pSrc, int len, Zov32f* pMin);
+
+/**
+ * @brief The smallest and the largest element.
+ * @param pSrc source, @p len elements
+ * @param len number of elements
+ * @param pMin receives the smallest
+ * @param pMax receives the largest
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMinMax_16s(const Zov16s* pSrc, int len, Zov16s* pMin, Zov16s* pMax);
+
+/**
+ * @brief The smallest and the largest element.
+ * @param pSrc source, @p len elements
+ * @param len number of elements
+ * @param pMin receives the smallest
+ * @param pMax receives the largest
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMinMax_16u(const Zov16u* pSrc, int len, Zov16u* pMin, Zov16u* pMax);
+
+/**
+ * @brief The smallest and the largest element.
+ * A NaN at element 0 stays; any other NaN is passed over.
+ * @param pSrc source, @p len elements
+ * @param len number of elements
+ * @param pMin receives the smallest
+ * @param pMax receives the largest
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMinMax_32f(const Zov32f* pSrc, int len, Zov32f* pMin, Zov32f* pMax);
+
+/**
+ * @brief The largest element and the lowest index at which it stands.
+ * A NaN at element 0 gives that NaN at index 0; any other NaN is passed over.
+ * @param pSrc source, @p len elements
+ * @param len number of elements
+ * @param pMax receives the value
+ * @param pIndx receives the index; may be null
+ * @return ::zovStsNullPtrErr (pSrc or pMax), ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMaxIndx_32f(const Zov32f* pSrc, int len, Zov32f* pMax, int* pIndx);
+
+/**
+ * @brief The smallest element and the lowest index at which it stands.
+ * A NaN at element 0 gives that NaN at index 0; any other NaN is passed over.
+ * @param pSrc source, @p len elements
+ * @param len number of elements
+ * @param pMin receives the value
+ * @param pIndx receives the index; may be null
+ * @return ::zovStsNullPtrErr (pSrc or pMin), ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMinIndx_32f(const Zov32f* pSrc, int len, Zov32f* pMin, int* pIndx);
+
+/** @} */
+
 /** @defgroup resize Image resize */
 /** @{ */
 
