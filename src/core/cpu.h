@@ -113,4 +113,7 @@ std::int32_t zovCpuCacheFromDescriptors(const CacheDescriptor* table);
 // The same over what a reader reports, and the scan of one set of leaf-2 registers.
 std::int32_t zovCpuCacheFromLeaf2(const std::uint32_t registers[4], const CacheDescriptor* table);
 
+// The vendor test over the registers of leaf 0.
+int zovCpuIsVendorLeaf0(const std::uint32_t registers[4]);
+
 }  // namespace zov

@@ -123,9 +123,14 @@ ZOV_PROBE void zovCpuFillInfo(ZovCpuInfo* info) {
 
 ZOV_PROBE std::uint64_t zovCpuReadTsc() { return __rdtsc(); }
 
+ZOV_PROBE int zovCpuIsVendorLeaf0(const std::uint32_t registers[4]) {
+  return registers[1] == 0x756E6547 && registers[3] == 0x49656E69 && registers[2] == 0x6C65746E;
+}
+
 ZOV_PROBE int zovCpuIsVendor() {
-  const Registers r = Cpuid(0);
-  return r.ebx == 0x756E6547 && r.edx == 0x49656E69 && r.ecx == 0x6C65746E;
+  std::uint32_t registers[4];
+  zovCpuRunCpuid(registers, 0, 0);
+  return zovCpuIsVendorLeaf0(registers);
 }
 
 ZOV_PROBE std::uint32_t zovCpuResetMxcsr() {
