@@ -276,6 +276,70 @@ ZOV_INLINE T AddLanes(Vec<T, N> x) {
   return sum;
 }
 
+// A vector that covers fewer elements than it has lanes: a piece of kPiece bytes at `first` and
+// one at `last`, which may overlap in memory, repeated until the vector is full. So every lane
+// holds a real element, whatever the operation makes of it.
+template <class V, int kPiece>
+ZOV_INLINE V LoadEnds(const void* first, const void* last) {
+  static_assert(V::kBytes >= 16 && kPiece * 2 <= V::kBytes);
+#if defined(__AVX__)
+  if constexpr (kPiece == 16) {
+    const __m256i low = _mm256_castsi128_si256(_mm_loadu_si128(static_cast<const __m128i*>(first)));
+    const __m128i high = _mm_loadu_si128(static_cast<const __m128i*>(last));
+    return {(typename V::Native)_mm256_insertf128_si256(low, high, 1)};
+  } else
+#endif
+  {
+    __m128i x;
+    if constexpr (kPiece == 8) {
+      const __m128d low = (__m128d)_mm_loadl_epi64(static_cast<const __m128i*>(first));
+      x = (__m128i)_mm_loadh_pd(low, static_cast<const double*>(last));
+    } else if constexpr (kPiece == 4) {
+      x = _mm_unpacklo_epi32(_mm_loadu_si32(first), _mm_loadu_si32(last));
+      x = _mm_unpacklo_epi64(x, x);
+    } else {
+      static_assert(kPiece == 2);
+      x = _mm_unpacklo_epi16(_mm_loadu_si16(first), _mm_loadu_si16(last));
+      x = _mm_shuffle_epi32(x, 0);
+    }
+#if defined(__AVX__)
+    if constexpr (V::kBytes == 32) {
+      return {(typename V::Native)_mm256_insertf128_si256(_mm256_castsi128_si256(x), x, 1)};
+    }
+#endif
+    if constexpr (V::kBytes == 16) return {(typename V::Native)x};
+  }
+}
+
+// Stores what LoadEnds of the same shape loaded.
+template <int kPiece, class V>
+ZOV_INLINE void StoreEnds(V v, void* first, void* last) {
+  static_assert(V::kBytes >= 16 && kPiece * 2 <= V::kBytes);
+  __m128i x;
+#if defined(__AVX__)
+  if constexpr (V::kBytes == 32) {
+    x = _mm256_castsi256_si128((__m256i)v.v);
+    if constexpr (kPiece == 16) {
+      _mm_storeu_si128(static_cast<__m128i*>(first), x);
+      _mm_storeu_si128(static_cast<__m128i*>(last), _mm256_extractf128_si256((__m256i)v.v, 1));
+    }
+  } else
+#endif
+  {
+    x = (__m128i)v.v;
+  }
+  if constexpr (kPiece == 8) {
+    _mm_storel_epi64(static_cast<__m128i*>(first), x);
+    _mm_storeh_pd(static_cast<double*>(last), (__m128d)x);
+  } else if constexpr (kPiece == 4) {
+    _mm_storeu_si32(first, x);
+    _mm_storeu_si32(last, _mm_srli_epi64(x, 32));
+  } else if constexpr (kPiece == 2) {
+    _mm_storeu_si16(first, x);
+    _mm_storeu_si16(last, _mm_srli_epi32(x, 16));
+  }
+}
+
 // Bytes from p up to the next multiple of kAlignment.
 template <int kAlignment>
 ZOV_INLINE std::uintptr_t BytesToAlign(const void* p) {

@@ -1,0 +1,227 @@
+// Runs an operation over arrays, element by element: the head up to an aligned destination, the
+// main block and the tail of every operation whose result i depends on the sources' elements i
+// alone.
+//
+// An operation is a type that takes one vector of each source and returns the destination's vector:
+//   Vec<float, N> operator()(Vec<float, N> a, Vec<float, N> b) const;
+// One that decides for a whole block takes a Pack of K vectors of each source instead, in a
+// template function Block; it may keep a flag, as every lane that it sees holds an element.
+#pragma once
+
+#include <cstddef>
+#include <utility>
+
+#include "core/simd.h"
+#include "kelozov/kelozov.h"
+
+namespace zov::ZOV_LEVEL_NAMESPACE {
+
+// Keeps the compiler from replacing a loop's counter by others, which cost more than they save.
+ZOV_INLINE void KeepInRegister(std::ptrdiff_t& i) { asm("" : "+r"(i)); }
+
+// K vectors that an operation takes at once.
+template <class V, int K>
+struct Pack {
+  V v[K];
+};
+
+// Runs body(k) for k = 0 to K-1, unrolled.
+template <int K, class Body>
+ZOV_INLINE void Unroll(Body body) {
+  [&]<int... k>(std::integer_sequence<int, k...>) __attribute__((always_inline)) { (body(k), ...); }
+  (std::make_integer_sequence<int, K>{});
+}
+
+// N complex elements as they lie in memory: the first half of them in `low`, the rest in `high`.
+template <class T, int N>
+struct Interleaved {
+  static constexpr int kBytes = 2 * Vec<T, N>::kBytes;
+  Vec<T, N> low, high;
+
+  static ZOV_INLINE Interleaved Load(const void* p) {
+    return {Vec<T, N>::Load(p), Vec<T, N>::Load(static_cast<const T*>(p) + N)};
+  }
+  static ZOV_INLINE Interleaved LoadAligned(const void* p) {
+    return {Vec<T, N>::LoadAligned(p), Vec<T, N>::LoadAligned(static_cast<const T*>(p) + N)};
+  }
+  ZOV_INLINE void Store(void* p) const {
+    low.Store(p);
+    high.Store(static_cast<T*>(p) + N);
+  }
+  ZOV_INLINE void StoreAligned(void* p) const {
+    low.StoreAligned(p);
+    high.StoreAligned(static_cast<T*>(p) + N);
+  }
+};
+
+// The registers that hold N elements of an array of T, and the size of what fills one lane.
+template <class T, int N>
+struct LanesOf {
+  using Type = Vec<T, N>;
+  using Scalar = T;
+};
+template <int N>
+struct LanesOf<Zov16sc, N> {
+  using Type = Interleaved<std::int16_t, N>;
+  using Scalar = std::int16_t;
+};
+template <int N>
+struct LanesOf<Zov32fc, N> {
+  using Type = Interleaved<float, N>;
+  using Scalar = float;
+};
+template <int N>
+struct LanesOf<Zov64fc, N> {
+  using Type = Interleaved<double, N>;
+  using Scalar = double;
+};
+
+template <class T>
+using ScalarOf = typename LanesOf<T, 1>::Scalar;
+
+// Elements in a vector: as many as fit a register in the widest of the types.
+template <class... T>
+constexpr int LanesFor() {
+  int widest = 0;
+  ((widest = static_cast<int>(sizeof(ScalarOf<T>)) > widest ? static_cast<int>(sizeof(ScalarOf<T>))
+                                                            : widest),
+   ...);
+  const bool allFloat = ((static_cast<ScalarOf<T>>(0.5) != 0) && ...);
+  return (allFloat ? kFloatVectorBytes : kIntVectorBytes) / widest;
+}
+
+template <class Op, class Dst, class... Src>
+struct Elementwise {
+  static constexpr int N = LanesFor<Dst, Src...>();
+  using DstLanes = typename LanesOf<Dst, N>::Type;
+  template <class T>
+  using Lanes = typename LanesOf<T, N>::Type;
+  using Index = std::ptrdiff_t;
+
+  static constexpr int K = 4;
+  static constexpr bool kHasBlock = requires(Op op, Pack<Lanes<Src>, K>... p) { op.Block(p...); };
+  static constexpr int kAlignment =
+      DstLanes::kBytes < kFloatVectorBytes ? DstLanes::kBytes : kFloatVectorBytes;
+  // Up to here an aligned destination gains less than the head costs.
+  static constexpr int kUnalignedLimit = kLevel >= Level::avx ? 8 * N : 2 * N;
+
+  // K neighbouring vectors. Without a Block each is stored before the next is loaded.
+  template <int K, bool kAligned>
+  static ZOV_INLINE void Step(Op& op, Dst* dst, const Src*... src) {
+    const auto load = []<class T>(const T* p) __attribute__((always_inline)) {
+      return kAligned ? Lanes<T>::LoadAligned(p) : Lanes<T>::Load(p);
+    };
+    const auto store = [](DstLanes v, Dst * p) __attribute__((always_inline)) {
+      kAligned ? v.StoreAligned(p) : v.Store(p);
+    };
+    if constexpr (kHasBlock) {
+      const auto loadAll = [&]<class T>(const T* p) __attribute__((always_inline)) {
+        Pack<Lanes<T>, K> pack;
+        Unroll<K>([&](int k) __attribute__((always_inline)) { pack.v[k] = load(p + k * N); });
+        return pack;
+      };
+      const Pack<DstLanes, K> result = op.Block(loadAll(src)...);
+      Unroll<K>([&](int k) __attribute__((always_inline)) { store(result.v[k], dst + k * N); });
+    } else {
+      Unroll<K>([&](int k) __attribute__((always_inline)) {
+        store(op(load(src + k * N)...), dst + k * N);
+      });
+    }
+  }
+
+  // Fewer elements than a vector has, as two pieces of kPiece elements that may overlap.
+  template <int kPiece>
+  static ZOV_INLINE void Few(Op& op, Index n, Dst* dst, const Src*... src) {
+    if (n >= kPiece) {
+      const Index last = n - kPiece;
+      DstLanes result;
+      if constexpr (kHasBlock) {
+        result = op.Block(Pack<Lanes<Src>, 1>{{LoadFew<kPiece>(src, src + last)}}...).v[0];
+      } else {
+        result = op(LoadFew<kPiece>(src, src + last)...);
+      }
+      StoreFew<kPiece>(result, dst, dst + last);
+    } else if constexpr (kPiece > 1) {
+      Few<kPiece / 2>(op, n, dst, src...);
+    }
+  }
+  template <int kPiece, class T>
+  static ZOV_INLINE Lanes<T> LoadFew(const T* first, const T* last) {
+    constexpr int kBytes = kPiece * static_cast<int>(sizeof(T));
+    if constexpr (sizeof(T) == sizeof(ScalarOf<T>)) {
+      return LoadEnds<Lanes<T>, kBytes>(first, last);
+    } else {
+      using Half = decltype(Lanes<T>::low);
+      if constexpr (kPiece * 2 == N) {
+        return {Half::Load(first), Half::Load(last)};
+      } else {
+        const Half half = LoadEnds<Half, kBytes>(first, last);
+        return {half, half};
+      }
+    }
+  }
+  template <int kPiece>
+  static ZOV_INLINE void StoreFew(DstLanes v, Dst* first, Dst* last) {
+    constexpr int kBytes = kPiece * static_cast<int>(sizeof(Dst));
+    if constexpr (sizeof(Dst) == sizeof(ScalarOf<Dst>)) {
+      StoreEnds<kBytes>(v, first, last);
+    } else if constexpr (kPiece * 2 == N) {
+      v.low.Store(first);
+      v.high.Store(last);
+    } else {
+      StoreEnds<kBytes>(v.low, first, last);
+    }
+  }
+
+  // All whole vectors from i on; returns where they end.
+  template <bool kAligned>
+  static ZOV_INLINE Index Main(Op& op, Index i, Index n, Dst* dst, const Src*... src) {
+    for (; i <= n - K * N; i += K * N) {
+      Step<K, kAligned>(op, dst + i, (src + i)...);
+      KeepInRegister(i);
+    }
+    for (; i <= n - N; i += N) {
+      Step<1, kAligned>(op, dst + i, (src + i)...);
+      KeepInRegister(i);
+    }
+    return i;
+  }
+
+  // Each byte is stored once, in pieces that depend on the destination and the length alone, so
+  // that an operation on the same array straight afterwards is served from the store queue.
+  static ZOV_INLINE void All(Op& op, Index n, Dst* dst, const Src*... src) {
+    Index i = 0;
+    if (n > kUnalignedLimit) {
+      const std::uintptr_t head = BytesToAlign<kAlignment>(dst);
+      if (head != 0 && head % sizeof(Dst) == 0) {
+        i = static_cast<Index>(head / sizeof(Dst));
+        Few<N / 2>(op, i, dst, src...);
+      }
+    }
+    // AVX instructions read a memory operand at any address; older ones need an aligned one.
+    constexpr bool kTwoLoops = kLevel < Level::avx && DstLanes::kBytes % 16 == 0 &&
+                               ((Lanes<Src>::kBytes % 16 == 0) && ...);
+    if constexpr (kTwoLoops) {
+      if (IsAligned<16>(dst + i) && (IsAligned<16>(src + i) && ...)) {
+        i = Main<true>(op, i, n, dst, src...);
+      } else {
+        i = Main<false>(op, i, n, dst, src...);
+      }
+    } else {
+      i = Main<false>(op, i, n, dst, src...);
+    }
+    if (i < n) Few<N / 2>(op, n - i, dst + i, (src + i)...);
+  }
+};
+
+// dst[i] = op(src[i]...) for i = 0 to n-1. A source may equal dst.
+template <class Op, class Dst, class... Src>
+ZOV_INLINE void Map(Op& op, int n, Dst* dst, const Src*... src) {
+  Elementwise<Op, Dst, Src...>::All(op, n, dst, src...);
+}
+template <class Op, class Dst, class... Src>
+ZOV_INLINE void Map(const Op& op, int n, Dst* dst, const Src*... src) {
+  Elementwise<const Op, Dst, Src...>::All(op, n, dst, src...);
+}
+
+}  // namespace zov::ZOV_LEVEL_NAMESPACE
