@@ -1,0 +1,83 @@
+// Entries of the resize family: checks, geometry, and the route by method.
+#include "core/checks.h"
+#include "core/entries.h"
+#include "image/resize/buffer_size.h"
+#include "image/resize/contract.h"
+#include "image/resize/geometry.h"
+#include "image/resize/linear.h"
+#include "image/resize/nearest.h"
+
+namespace zov::ZOV_LEVEL_NAMESPACE {
+
+namespace {
+
+constexpr int kAlignmentAllowance = kLevel >= Level::avx ? 32 : 16;
+
+template <int kBytes>
+struct PixelOfBytes;
+template <>
+struct PixelOfBytes<1> {
+  using Type = std::uint8_t;
+};
+template <>
+struct PixelOfBytes<4> {
+  using Type = std::uint32_t;
+};
+template <>
+struct PixelOfBytes<8> {
+  using Type = std::uint64_t;
+};
+
+template <class T, int kChannels>
+ZovStatus Resize(const T* src, int srcStep, T* dst, int dstStep, const ResizeRequest& request,
+                 Zov8u* workBuffer) {
+  ResizeMode mode;
+  if (const ZovStatus status = CheckResize(AnyNull(src, dst, workBuffer), request, &mode)) {
+    return status;
+  }
+  ResizeGeometry geometry;
+  if (const ZovStatus status = MapResize(request, &geometry)) return status;
+
+  const SourceView source = {reinterpret_cast<const Zov8u*>(src), srcStep};
+  const TargetView target = {reinterpret_cast<Zov8u*>(dst), dstStep};
+  if (mode.method == ZOV_INTERP_NEAREST) {
+    using Pixel = typename PixelOfBytes<kChannels* static_cast<int>(sizeof(T))>::Type;
+    ResizeNearest<Pixel>(source, target, geometry, workBuffer);
+  } else {
+    LinearResize<T, kChannels>(source, target, geometry, workBuffer).Run();
+  }
+  const bool ignored = (mode.flags & kAntialias) != 0 && IgnoresAntialias(mode.method);
+  return ignored ? zovStsAntialiasIgnoredWrn : zovStsNoErr;
+}
+
+}  // namespace
+
+ZovStatus zoviResizeGetBufSize(ZovImageRect srcRoi, ZovImageRect dstRoi, int numChannels,
+                               int interpolation, int* bufferSize) {
+  return ResizeBufferSize(srcRoi, dstRoi, numChannels, interpolation, sizeof(Zov32f),
+                          kAlignmentAllowance, bufferSize);
+}
+
+ZovStatus zoviResizeGetBufSize_64f(ZovImageRect srcRoi, ZovImageRect dstRoi, int numChannels,
+                                   int interpolation, int* bufferSize) {
+  return ResizeBufferSize(srcRoi, dstRoi, numChannels, interpolation, sizeof(Zov64f),
+                          kAlignmentAllowance, bufferSize);
+}
+
+#define ZOV_RESIZE(name, T, channels)                                                             \
+  ZovStatus name(const T* src, ZovImageSize srcSize, int srcStep, ZovImageRect srcRoi, T* dst,    \
+                 int dstStep, ZovImageRect dstRoi, double xFactor, double yFactor, double xShift, \
+                 double yShift, int interpolation, Zov8u* workBuffer) {                           \
+    const ResizeRequest request = {srcSize, srcRoi, dstRoi, xFactor,                              \
+                                   yFactor, xShift, yShift, interpolation};                       \
+    return Resize<T, channels>(src, srcStep, dst, dstStep, request, workBuffer);                  \
+  }
+
+ZOV_RESIZE(zoviResizeSqrPixel_8u_C1R, Zov8u, 1)
+ZOV_RESIZE(zoviResizeSqrPixel_8u_C4R, Zov8u, 4)
+ZOV_RESIZE(zoviResizeSqrPixel_32f_C1R, Zov32f, 1)
+ZOV_RESIZE(zoviResizeSqrPixel_64f_C1R, Zov64f, 1)
+
+#undef ZOV_RESIZE
+
+}  // namespace zov::ZOV_LEVEL_NAMESPACE

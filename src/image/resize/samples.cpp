@@ -1,0 +1,68 @@
+// Sample positions, in double precision throughout.
+#include "image/resize/samples.h"
+
+namespace zov {
+
+namespace {
+
+// Coordinates count from pixel edges and indices from pixel centres, so the sample of a pixel with
+// the centre at first + i + 0.5 lies half a pixel lower in index space.
+class LinearPosition {
+ public:
+  explicit LinearPosition(const ResizeAxis& axis)
+      : first_(static_cast<double>(axis.first)),
+        inverse_(axis.inverse),
+        shift_(axis.offset - 0.5) {}
+  double operator()(int i) const { return (first_ + i + 0.5) * inverse_ + shift_; }
+
+ private:
+  double first_;
+  double inverse_;
+  double shift_;
+};
+
+}  // namespace
+
+// Positions rise with the index. Their comparisons put a NaN, which an inverse beyond the range of
+// a double can bring, into a band, where taps are clamped.
+ResizeBands FindLinearBands(const ResizeAxis& axis) {
+  const LinearPosition position(axis);
+  const double last = axis.extent - 1;
+  ResizeBands bands = {0, 0};
+  while (bands.near < axis.count && !(position(bands.near) >= 0)) ++bands.near;
+  while (bands.far < axis.count - bands.near && !(position(axis.count - 1 - bands.far) < last)) {
+    ++bands.far;
+  }
+  return bands;
+}
+
+void LinearSamples(const ResizeAxis& axis, int begin, int count, std::int32_t* index,
+                   double* fraction) {
+  const LinearPosition position(axis);
+  for (int i = 0; i < count; ++i) {
+    const double at = position(begin + i);
+    index[i] = static_cast<std::int32_t>(at);
+    fraction[i] = at - index[i];
+  }
+}
+
+void NearestSamples(const ResizeAxis& axis, int begin, int count, std::int32_t* index) {
+  const double first = static_cast<double>(axis.first);
+  const double shift = axis.offset - 1e-10;
+  const double last = axis.extent - 1;
+  for (int i = 0; i < count; ++i) {
+    const double at = (first + (begin + i) + 0.5) * axis.inverse + shift;
+    // The centre of an outermost pixel may lie outside the mapped image by a hair, and a reduction
+    // multiplies the hair: never leave the image.
+    const double inImage = at < last ? at : last;
+    index[i] = static_cast<std::int32_t>(inImage > 0 ? inImage : 0);
+  }
+}
+
+void FixedFractions(int count, const double* fraction, std::int32_t* fixed) {
+  for (int i = 0; i < count; ++i) {
+    fixed[i] = static_cast<std::int32_t>(fraction[i] * kFixedOne + 1e-7);
+  }
+}
+
+}  // namespace zov

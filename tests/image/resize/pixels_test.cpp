@@ -1,0 +1,353 @@
+// Every pixel of nearest and linear resizes against a pixel-by-pixel reference, in guarded memory.
+#include <cmath>
+#include <random>
+#include <vector>
+
+#include "image/resize/members.h"
+#include "support/guarded.h"
+
+namespace zov::test {
+namespace {
+
+constexpr std::uint8_t kUntouched = 0xA5;
+
+// Pages of filler that a block can be placed in; afterwards it tells whether anything else changed.
+class GuardedBlock {
+ public:
+  explicit GuardedBlock(std::size_t capacity) : pages_(capacity) {
+    std::memset(pages_.begin(), kUntouched, Capacity());
+  }
+
+  std::uint8_t* Place(std::size_t bytes, Guard guard, std::size_t shift) {
+    bytes_ = bytes;
+    block_ = guard == Guard::after ? pages_.end() - bytes - shift : pages_.begin() + shift;
+    return block_;
+  }
+  void Erase() const { std::memset(block_, kUntouched, bytes_); }
+  bool OnlyFiller() const {
+    const std::uint8_t* const p = pages_.begin();
+    return *p == kUntouched && std::memcmp(p, p + 1, Capacity() - 1) == 0;
+  }
+
+ private:
+  std::size_t Capacity() const { return static_cast<std::size_t>(pages_.end() - pages_.begin()); }
+
+  GuardedPages pages_;
+  std::uint8_t* block_ = nullptr;
+  std::size_t bytes_ = 0;
+};
+
+// An image whose rows may lie bottom-up and apart.
+class GuardedImage : public GuardedBlock {
+ public:
+  GuardedImage() : GuardedBlock(400 * 1024) {}
+
+  void Place(ZovImageSize size, int pixelBytes, int gap, bool bottomUp, Guard guard) {
+    const int rowBytes = size.width * pixelBytes;
+    const int pitch = rowBytes + gap;
+    const int bytes = pitch * (size.height - 1) + rowBytes;
+    origin_ = GuardedBlock::Place(static_cast<std::size_t>(bytes), guard, 0);
+    if (bottomUp) origin_ += pitch * (size.height - 1);
+    step = bottomUp ? -pitch : pitch;
+    pixelBytes_ = pixelBytes;
+  }
+  std::uint8_t* At(int x, int y) const { return origin_ + step * y + x * pixelBytes_; }
+
+  int step = 0;
+
+ private:
+  std::uint8_t* origin_ = nullptr;
+  int pixelBytes_ = 0;
+};
+
+struct Case {
+  ZovImageSize srcSize;
+  ZovImageRect srcRoi;
+  ZovImageSize dstSize;
+  ZovImageRect dstRoi;
+  double xFactor, yFactor, xShift, yShift;
+  int interpolation;
+};
+
+// Whether a destination pixel is written, along one axis.
+bool Covered(int pixel, int roi, int roiExtent, int extent, int dst, int dstExtent, double factor,
+             double shift) {
+  const int end = std::min(roi + roiExtent, extent);
+  const double near = std::max<double>(roi * factor + shift, dst);
+  const double far = std::min<double>(end * factor + shift, dst + dstExtent);
+  return pixel >= std::trunc(near + 0.4999999999) && pixel < std::trunc(far + 0.5000000001);
+}
+
+// A sample along one axis: taps clamped into the image, and whether both lie in it by themselves.
+struct Sample {
+  Sample(int pixel, double factor, double shift, int extent) {
+    const double position = (pixel + 0.5) * (1 / factor) + ((0 - shift / factor) - 0.5);
+    fraction = position - std::floor(position);
+    inside = position >= 0 && position < extent - 1;
+    const double low = std::floor(position);
+    a = inside ? static_cast<int>(low) : position < 0 ? 0 : extent - 1;
+    b = inside ? a + 1 : a;
+  }
+  int Fixed() const { return static_cast<int>(fraction * 16384.0 + 1e-7); }
+
+  int a, b;
+  bool inside;
+  double fraction;
+};
+
+int NearestPixel(int pixel, double factor, double shift, int extent) {
+  const double at = (pixel + 0.5) * (1 / factor) + ((0 - shift / factor) - 1e-10);
+  return std::min(static_cast<int>(at), extent - 1);
+}
+
+// The exact 8-bit value: two roundings in the interior, one where an axis is clamped.
+int Bilinear8u(const Sample& x, const Sample& y, const int p[4]) {
+  const int fx = x.Fixed();
+  const int fy = y.Fixed();
+  if (!y.inside) return (p[0] * (16384 - fx) + p[1] * fx + 8192) >> 14;
+  if (!x.inside) return (p[0] * (16384 - fy) + p[2] * fy + 8192) >> 14;
+  const int upper = (p[0] * (16384 - fx) + p[1] * fx + 128) >> 8;
+  const int lower = (p[2] * (16384 - fx) + p[3] * fx + 128) >> 8;
+  return (upper * (16384 - fy) + lower * fy + 524288) >> 20;
+}
+
+long double BilinearReal(const Sample& x, const Sample& y, const long double p[4]) {
+  const long double upper = p[0] + (p[1] - p[0]) * static_cast<long double>(x.fraction);
+  const long double lower = p[2] + (p[3] - p[2]) * static_cast<long double>(x.fraction);
+  return upper + (lower - upper) * static_cast<long double>(y.fraction);
+}
+
+template <class Member>
+class ResizePixels : public ::testing::Test {
+ protected:
+  using T = typename Member::Element;
+
+  // Values of magnitude up to 1000 for real elements, any byte otherwise.
+  void FillSource(const Case& c) {
+    for (int y = 0; y < c.srcSize.height; ++y) {
+      for (int i = 0; i < c.srcSize.width * Member::kChannels; ++i) {
+        T value;
+        if constexpr (sizeof(T) == 1) {
+          // Extremes show an overflow of the fixed-point lanes.
+          const unsigned bits = random_();
+          value = static_cast<T>(bits % 4 == 0 ? 255 : bits % 4 == 1 ? 0 : bits >> 8);
+        } else {
+          value = static_cast<T>(std::uniform_real_distribution<double>(-1000, 1000)(random_));
+        }
+        std::memcpy(src_.At(0, y) + i * static_cast<int>(sizeof(T)), &value, sizeof(T));
+      }
+    }
+  }
+
+  T SourceElement(int x, int y, int channel) const {
+    T value;
+    std::memcpy(&value, src_.At(x, y) + channel * static_cast<int>(sizeof(T)), sizeof(T));
+    return value;
+  }
+
+  void ExpectElement(const Case& c, int x, int y, int channel, T actual) const {
+    const int method = c.interpolation & 0x1FFFFFFF;
+    if (method == ZOV_INTERP_NEAREST) {
+      const T expected =
+          SourceElement(NearestPixel(x, c.xFactor, c.xShift, c.srcSize.width),
+                        NearestPixel(y, c.yFactor, c.yShift, c.srcSize.height), channel);
+      ASSERT_EQ(actual, expected) << "nearest at " << x << "," << y;
+      return;
+    }
+    const Sample sx(x, c.xFactor, c.xShift, c.srcSize.width);
+    const Sample sy(y, c.yFactor, c.yShift, c.srcSize.height);
+    const T p[4] = {SourceElement(sx.a, sy.a, channel), SourceElement(sx.b, sy.a, channel),
+                    SourceElement(sx.a, sy.b, channel), SourceElement(sx.b, sy.b, channel)};
+    if constexpr (sizeof(T) == 1) {
+      const int taps[4] = {p[0], p[1], p[2], p[3]};
+      ASSERT_EQ(actual, Bilinear8u(sx, sy, taps)) << "linear at " << x << "," << y;
+    } else {
+      // Two interpolations, each with a rounded fraction, difference, product and sum of values up
+      // to 2000.
+      const long double taps[4] = {p[0], p[1], p[2], p[3]};
+      const long double bound = 8000 * std::numeric_limits<T>::epsilon();
+      ASSERT_LE(std::fabs(BilinearReal(sx, sy, taps) - actual), bound)
+          << "linear at " << x << "," << y;
+    }
+  }
+
+  void CheckCase(int level, const Case& c, ZovStatus expected) {
+    SCOPED_TRACE(::testing::Message()
+                 << "src " << c.srcSize.width << "x" << c.srcSize.height << " roi " << c.srcRoi.x
+                 << "," << c.srcRoi.y << "+" << c.srcRoi.width << "x" << c.srcRoi.height
+                 << " dst roi " << c.dstRoi.x << "," << c.dstRoi.y << "+" << c.dstRoi.width << "x"
+                 << c.dstRoi.height << " factors " << c.xFactor << " " << c.yFactor << " shifts "
+                 << c.xShift << " " << c.yShift << " method " << c.interpolation);
+    const auto any = [this](unsigned count) { return random_() % count; };
+    const auto guard = [&] { return any(2) == 0 ? Guard::after : Guard::before; };
+    const auto gap = [&] { return static_cast<int>(any(3) * 8); };
+    src_.Place(c.srcSize, Member::kPixelBytes, gap(), any(2) == 0, guard());
+    dst_.Place(c.dstSize, Member::kPixelBytes, gap(), any(2) == 0, guard());
+    FillSource(c);
+    int bytes = 0;
+    ASSERT_GE(Member::BufferSize(level, c.srcRoi, c.dstRoi, c.interpolation, &bytes), 0);
+    ASSERT_LE(bytes + 48, kBufferCapacity);
+    Zov8u* const buffer = buffer_.Place(static_cast<std::size_t>(bytes), guard(), any(48));
+
+    const ZovStatus status =
+        Member::At(level)(reinterpret_cast<const T*>(src_.At(0, 0)), c.srcSize, src_.step, c.srcRoi,
+                          reinterpret_cast<T*>(dst_.At(0, 0)), dst_.step, c.dstRoi, c.xFactor,
+                          c.yFactor, c.xShift, c.yShift, c.interpolation, buffer);
+
+    bool written = false;
+    for (int y = 0; y < c.dstSize.height; ++y) {
+      const bool inY = Covered(y, c.srcRoi.y, c.srcRoi.height, c.srcSize.height, c.dstRoi.y,
+                               c.dstRoi.height, c.yFactor, c.yShift);
+      for (int x = 0; x < c.dstSize.width; ++x) {
+        if (!inY || !Covered(x, c.srcRoi.x, c.srcRoi.width, c.srcSize.width, c.dstRoi.x,
+                             c.dstRoi.width, c.xFactor, c.xShift)) {
+          continue;
+        }
+        written = true;
+        for (int channel = 0; channel < Member::kChannels; ++channel) {
+          T actual;
+          std::memcpy(&actual, dst_.At(x, y) + channel * static_cast<int>(sizeof(T)), sizeof(T));
+          ExpectElement(c, x, y, channel, actual);
+          if (this->HasFatalFailure()) return;
+        }
+        // What remains when the written pixels are gone must be filler.
+        std::memset(dst_.At(x, y), kUntouched, Member::kPixelBytes);
+      }
+    }
+    ASSERT_EQ(status, written ? expected : zovStsNoOperationWrn);
+    ASSERT_TRUE(dst_.OnlyFiller()) << "a byte outside the written rectangle changed";
+    buffer_.Erase();
+    ASSERT_TRUE(buffer_.OnlyFiller()) << "a byte outside the work buffer changed";
+  }
+
+  Case RandomCase(int largest, double magnitude) {
+    const auto upTo = [this](int n) {
+      return static_cast<int>(random_() % static_cast<unsigned>(n));
+    };
+    const auto real = [this](double low, double high) {
+      return std::uniform_real_distribution<double>(low, high)(random_);
+    };
+    Case c;
+    c.srcSize = {1 + upTo(largest), 1 + upTo(largest)};
+    c.srcRoi.x = upTo(4) ? 0 : upTo(c.srcSize.width);
+    c.srcRoi.y = upTo(4) ? 0 : upTo(c.srcSize.height);
+    c.srcRoi.width = upTo(2) ? c.srcSize.width : 1 + upTo(c.srcSize.width + 9);
+    c.srcRoi.height = upTo(2) ? c.srcSize.height : 1 + upTo(c.srcSize.height + 9);
+    c.dstSize = {1 + upTo(2 * largest), 1 + upTo(largest)};
+    c.dstRoi.x = upTo(3) ? 0 : upTo(c.dstSize.width);
+    c.dstRoi.y = upTo(3) ? 0 : upTo(c.dstSize.height);
+    c.dstRoi.width =
+        upTo(3) ? c.dstSize.width - c.dstRoi.x : 1 + upTo(c.dstSize.width - c.dstRoi.x);
+    c.dstRoi.height =
+        upTo(3) ? c.dstSize.height - c.dstRoi.y : 1 + upTo(c.dstSize.height - c.dstRoi.y);
+    // Factors that fit the destination, round ones, and any.
+    const auto factor = [&](int src, int dst) {
+      constexpr double kRound[] = {0.05, 0.1, 0.25, 0.5, 2.0 / 3, 1, 1.5, 2, 3, 4, 10, 20};
+      switch (upTo(3)) {
+        case 0:
+          return static_cast<double>(dst) / src;
+        case 1:
+          return kRound[upTo(12)];
+        default:
+          return std::exp(real(-magnitude, magnitude));
+      }
+    };
+    c.xFactor = factor(c.srcSize.width, c.dstSize.width);
+    c.yFactor = factor(c.srcSize.height, c.dstSize.height);
+    c.xShift = upTo(2) ? 0 : real(-8, 8);
+    c.yShift = upTo(2) ? 0 : real(-8, 8);
+    return c;
+  }
+
+  static constexpr int kBufferCapacity = 64 * 1024;
+  std::mt19937 random_{12345};
+  GuardedImage src_;
+  GuardedImage dst_;
+  GuardedBlock buffer_{kBufferCapacity};
+};
+TYPED_TEST_SUITE(ResizePixels, Members);
+
+TYPED_TEST(ResizePixels, MatchTheReferenceOnRandomGeometry) {
+  ForEachLevel([this](int level) {
+    for (int round = 0; round < 1500; ++round) {
+      Case c = this->RandomCase(round % 10 == 0 ? 140 : 70, 3.0);
+      constexpr int kModes[] = {ZOV_INTERP_NEAREST, ZOV_INTERP_LINEAR, ZOV_INTERP_LINEAR};
+      c.interpolation = kModes[round % 3];
+      if (round % 12 == 0) c.interpolation |= ZOV_RESIZE_ANTIALIAS;
+      this->CheckCase(level, c, round % 12 == 0 ? zovStsAntialiasIgnoredWrn : zovStsNoErr);
+      if (this->HasFatalFailure()) return;
+    }
+  });
+}
+
+// Extents around the vectors and windows of the kernels, at ratios on either side of each limit.
+TYPED_TEST(ResizePixels, MatchTheReferenceAtTheLimitsOfWindows) {
+  ForEachLevel([this](int level) {
+    for (int width : {2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 18, 31, 33, 64, 100}) {
+      for (double inverse : {0.03, 0.45, 0.5, 0.66, 0.67, 0.93, 1.0, 1.01, 1.5, 1.99, 2.0, 2.01,
+                             2.33, 2.34, 4.0, 4.66, 4.67, 5.0, 7.5}) {
+        Case c;
+        c.srcSize = {width, 3};
+        c.srcRoi = {0, 0, width, 3};
+        c.dstSize = {std::min(300, static_cast<int>(width / inverse) + 1), 5};
+        c.dstRoi = {0, 0, c.dstSize.width, c.dstSize.height};
+        c.xFactor = 1 / inverse;
+        c.yFactor = 1.3;
+        c.xShift = inverse > 1 ? 0 : -0.3;
+        c.yShift = 0;
+        for (int method : {ZOV_INTERP_NEAREST, ZOV_INTERP_LINEAR}) {
+          c.interpolation = method;
+          this->CheckCase(level, c, zovStsNoErr);
+          if (this->HasFatalFailure()) return;
+        }
+      }
+    }
+  });
+}
+
+// A fraction that rounds up to a whole pixel of weight.
+TYPED_TEST(ResizePixels, MatchTheReferenceAtWholeWeights) {
+  ForEachLevel([this](int level) {
+    for (double shift : {1e-13, 1e-12, 5e-12, 1e-11, -1e-12, 0.0}) {
+      Case c;
+      c.srcSize = {50, 9};
+      c.srcRoi = {0, 0, 50, 9};
+      c.dstSize = {50, 9};
+      c.dstRoi = {0, 0, 50, 9};
+      c.xFactor = c.yFactor = 1;
+      c.xShift = c.yShift = shift;
+      c.interpolation = ZOV_INTERP_LINEAR;
+      this->CheckCase(level, c, zovStsNoErr);
+      if (this->HasFatalFailure()) return;
+    }
+  });
+}
+
+// A pixel whose centre misses the mapped image by a hair is written all the same; a reduction turns
+// the hair into more than a source pixel's edge, and no byte past the image may be read.
+TYPED_TEST(ResizePixels, NearestStaysInTheImageWhenACentreMissesIt) {
+  ForEachLevel([this](int level) {
+    constexpr int kExtent = 8;
+    Case c;
+    c.srcSize = {kExtent, kExtent};
+    this->src_.Place(c.srcSize, TypeParam::kPixelBytes, 0, false, Guard::after);
+    this->dst_.Place({2, 2}, TypeParam::kPixelBytes, 0, false, Guard::after);
+    this->FillSource(c);
+    std::vector<Zov8u> buffer(1024);
+    const double factor = 1.0 / 16;
+    const double shift = -5e-11;  // the image ends just short of the centre of pixel 0
+    using Element = typename TypeParam::Element;
+    ASSERT_EQ(TypeParam::At(level)(reinterpret_cast<const Element*>(this->src_.At(0, 0)), c.srcSize,
+                                   this->src_.step, {0, 0, kExtent, kExtent},
+                                   reinterpret_cast<Element*>(this->dst_.At(0, 0)), this->dst_.step,
+                                   {0, 0, 2, 2}, factor, factor, shift, shift, ZOV_INTERP_NEAREST,
+                                   buffer.data()),
+              zovStsNoErr);
+    EXPECT_EQ(std::memcmp(this->dst_.At(0, 0), this->src_.At(kExtent - 1, kExtent - 1),
+                          TypeParam::kPixelBytes),
+              0);
+  });
+}
+
+}  // namespace
+}  // namespace zov::test
