@@ -299,7 +299,6 @@ static int WriteImage(const char* name, const Image* image) {
     perror(name);
     ok = 0;
   }
-  if (!ok) remove(name);
   return ok;
 }
 

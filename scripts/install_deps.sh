@@ -8,7 +8,7 @@ declare -A groups=(
   [build]="cmake ninja-build g++ zlib1g-dev"
   [test]="libgtest-dev googletest python3 binutils clang clang-format qemu-user git"
   [windows]="g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64"
-  [demo]="pkg-config"
+  [demo]="pkg-config libpng-dev graphicsmagick lomiri-wallpapers-16.04"
   [docs]="doxygen"
   [bench]="libbenchmark-dev libfftw3-dev libopencv-core-dev libopencv-imgproc-dev libvolk2-dev
            libsleef-dev libliquid-dev python3"

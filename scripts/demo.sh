@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# The library at work, from nothing, on Debian 12: builds it, installs it into build/stage, builds
+# the example against that installation, and resizes a photograph by every method of this release.
+# Installs the Debian packages that are missing.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/install_deps.sh build demo
+
+# Of the package lomiri-wallpapers-16.04; Trevor "Freespace", 2018, licence CC-BY-4.0.
+photo=/usr/share/backgrounds/Picture_1A_by_freespace.jpg
+stage=$PWD/build/stage
+pictures=$PWD/build/demo/pictures
+
+echo "== Library: build and install into $stage"
+cmake --preset release -B build/demo/library -DKELOZOV_BUILD_TESTS=OFF >/dev/null
+cmake --build build/demo/library
+rm -rf "$stage"
+cmake --install build/demo/library --prefix "$stage" >/dev/null
+
+echo "== Example: build against the installation"
+rm -rf build/demo/examples
+cmake -S examples -B build/demo/examples -G Ninja -DCMAKE_PREFIX_PATH="$stage" >/dev/null
+cmake --build build/demo/examples
+
+echo "== Pictures"
+resize=$PWD/build/demo/examples/resize_image
+mkdir -p "$pictures"
+cd "$pictures"
+gm convert "$photo" -strip colour.png
+gm convert "$photo" -strip -colorspace GRAY -depth 8 grey.png
+for method in nearest linear; do
+  for picture in colour grey; do
+    "$resize" --factor 2.5 --method $method --repeat 10 $picture.png $picture-enlarged-$method.png
+    "$resize" --factor 0.4 --method $method --repeat 10 $picture.png $picture-reduced-$method.png
+  done
+done
+echo "The originals and the results are in $pictures"
