@@ -247,13 +247,20 @@ KELO_API void Kelo_zovsFree(void* ptr);
 
 /** @} */
 
-/** @defgroup fill Fill, clear and copy */
+/**
+ * @defgroup fill Fill, clear and copy
+ *
+ * Large arrays are written past the cache, so that they do not empty it:
+ * - at levels 1 to 4 from 1 MiB, or from 512 KiB in a clear at any of them and in a copy at levels
+ *   1 to 3, when the array is at least half as large as one thread's share of the cache;
+ * - at levels 5 and 6 fills and clears of more than 2 MiB, when the array is larger than the cache.
+ *
+ * A cache of unknown size is never bypassed.
+ */
 /** @{ */
 
 /**
  * @brief pDst[i] = val for i in 0 to len - 1.
- * Large arrays bypass the cache when they exceed its known size: from 1 MiB at levels 1 to 4, and
- * above 2 MiB at levels 5 and 6.
  * @param val value to write
  * @param pDst destination, @p len elements
  * @param len number of elements
@@ -263,8 +270,6 @@ KELO_API ZovStatus Kelo_zovsSet_8u(Zov8u val, Zov8u* pDst, int len);
 
 /**
  * @brief pDst[i] = val for i in 0 to len - 1.
- * Large arrays bypass the cache when they exceed its known size: from 1 MiB at levels 1 to 4, and
- * above 2 MiB at levels 5 and 6.
  * @param val value to write
  * @param pDst destination, @p len elements
  * @param len number of elements
@@ -274,8 +279,6 @@ KELO_API ZovStatus Kelo_zovsSet_32s(Zov32s val, Zov32s* pDst, int len);
 
 /**
  * @brief pDst[i] = val for i in 0 to len - 1; the bits of @p val are written as they are.
- * Large arrays bypass the cache when they exceed its known size: from 1 MiB at levels 1 to 4, and
- * above 2 MiB at levels 5 and 6.
  * @param val value to write
  * @param pDst destination, @p len elements
  * @param len number of elements
@@ -285,8 +288,6 @@ KELO_API ZovStatus Kelo_zovsSet_32f(Zov32f val, Zov32f* pDst, int len);
 
 /**
  * @brief Clears @p len elements: all bytes zero.
- * Large arrays bypass the cache when they exceed its known size: from 512 KiB at levels 1 to 4, and
- * above 2 MiB at levels 5 and 6.
  * @param pDst destination, @p len elements
  * @param len number of elements
  * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
@@ -295,8 +296,6 @@ KELO_API ZovStatus Kelo_zovsZero_32f(Zov32f* pDst, int len);
 
 /**
  * @brief Clears @p len elements: all bytes zero.
- * Large arrays bypass the cache when they exceed its known size: from 512 KiB at levels 1 to 4, and
- * above 2 MiB at levels 5 and 6.
  * @param pDst destination, @p len elements
  * @param len number of elements
  * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
@@ -334,7 +333,7 @@ KELO_API ZovStatus Kelo_zovsCopy_64f(const Zov64f* pSrc, Zov64f* pDst, int len);
  * @param len number of elements of @p pSrc; may be 0
  * @param pFind sequence to find, @p lenFind elements
  * @param lenFind number of elements of @p pFind; may be 0
- * @param pIndex receives the position
+ * @param pIndex receives the position; left as it is on an error
  * @return ::zovStsNullPtrErr, ::zovStsFindLenErr (len or lenFind negative), ::zovStsNoErr
  */
 KELO_API ZovStatus Kelo_zovsFind_8u(const Zov8u* pSrc, int len, const Zov8u* pFind, int lenFind,
@@ -348,7 +347,7 @@ KELO_API ZovStatus Kelo_zovsFind_8u(const Zov8u* pSrc, int len, const Zov8u* pFi
  * @param len number of elements of @p pSrc; may be 0
  * @param pFind sequence to find, @p lenFind elements
  * @param lenFind number of elements of @p pFind; may be 0
- * @param pIndex receives the position
+ * @param pIndex receives the position; left as it is on an error
  * @return ::zovStsNullPtrErr, ::zovStsFindLenErr (len or lenFind negative), ::zovStsNoErr
  */
 KELO_API ZovStatus Kelo_zovsFind_16u(const Zov16u* pSrc, int len, const Zov16u* pFind, int lenFind,
@@ -945,7 +944,30 @@ KELO_API ZovStatus Kelo_zovsMinIndx_32f(const Zov32f* pSrc, int len, Zov32f* pMi
 
 /** @} */
 
-/** @defgroup resize Image resize */
+/**
+ * @defgroup resize Image resize
+ *
+ * The caller asks for the size of a work buffer, allocates it, and resizes; one buffer serves any
+ * number of calls with the same rectangles and method.
+ *
+ * On each axis a point at source coordinate s lands at destination coordinate s * factor + shift,
+ * and pixel x covers the coordinates from x to x + 1. So a whole image is resized to a whole image
+ * by the factor destination length / source length and the shift 0. The operation writes the
+ * destination pixels whose centres lie both in the mapped source rectangle and in the destination
+ * rectangle; with an edge flag, the pixels that lie in both completely. A distance of 1e-10 pixels
+ * counts as none.
+ *
+ * A source rectangle is cut to the image at its far sides. It limits what is written, not what is
+ * read: taps may lie outside it, but never outside the image, at whose edges they are clamped. An
+ * image with a side below 6 is resized by ::ZOV_INTERP_CUBIC in place of ::ZOV_INTERP_LANCZOS, and
+ * one with a side below 4 by ::ZOV_INTERP_LINEAR in place of any cubic.
+ *
+ * An image pointer points at pixel (0, 0) of the whole image. Steps are not checked and may be
+ * negative. Source and destination must not overlap.
+ *
+ * This release resizes by ::ZOV_INTERP_NEAREST and ::ZOV_INTERP_LINEAR without flags; the other
+ * methods, and a flag that a method does not ignore, give ::zovStsInterpolationErr.
+ */
 /** @{ */
 
 /**
@@ -957,7 +979,8 @@ KELO_API ZovStatus Kelo_zovsMinIndx_32f(const Zov32f* pSrc, int len, Zov32f* pMi
  * @param dstRoi destination rectangle of the resize
  * @param numChannels 1, 3 or 4
  * @param interpolation method and flags
- * @param bufferSize receives the size in bytes; 0 when it would not fit
+ * @param bufferSize receives the size in bytes, 0 when it would not fit; left as it is on the other
+ * errors
  * @return ::zovStsNullPtrErr, ::zovStsSizeErr (a rectangle with a negative corner or an extent
  * below 1), ::zovStsNumChannelsErr, ::zovStsInterpolationErr, ::zovStsSizeErr (2^31 bytes or more),
  * ::zovStsAntialiasIgnoredWrn (the antialias flag with the nearest or area method; the size is
@@ -975,7 +998,8 @@ KELO_API ZovStatus Kelo_zoviResizeGetBufSize(ZovImageRect srcRoi, ZovImageRect d
  * @param dstRoi destination rectangle of the resize
  * @param numChannels 1, 3 or 4
  * @param interpolation method and flags
- * @param bufferSize receives the size in bytes; 0 when it would not fit
+ * @param bufferSize receives the size in bytes, 0 when it would not fit; left as it is on the other
+ * errors
  * @return ::zovStsNullPtrErr, ::zovStsSizeErr (a rectangle with a negative corner or an extent
  * below 1), ::zovStsNumChannelsErr, ::zovStsInterpolationErr, ::zovStsSizeErr (2^31 bytes or more),
  * ::zovStsAntialiasIgnoredWrn (the antialias flag with the nearest or area method; the size is
@@ -987,12 +1011,7 @@ KELO_API ZovStatus Kelo_zoviResizeGetBufSize_64f(ZovImageRect srcRoi, ZovImageRe
 
 /**
  * @brief Resizes an image of one channel of 8 bits.
- * A point at source coordinate s lands at destination coordinate s times factor plus shift; pixel x
- * covers the coordinates from x to x + 1. The operation writes the destination pixels whose centres
- * lie both in the mapped source rectangle and in @p dstRoi (with an edge flag: the pixels that lie
- * in both completely). Taps may lie outside @p srcRoi, but never outside the image, at whose edges
- * they are clamped. An image with a side below 6 is resized by ::ZOV_INTERP_CUBIC in place of
- * ::ZOV_INTERP_LANCZOS, and one with a side below 4 by ::ZOV_INTERP_LINEAR in place of any cubic.
+ * By ::ZOV_INTERP_LINEAR each value is within 0.54 of the exact one, and the same at every level.
  * @param src source image, pixel (0, 0)
  * @param srcSize extent of the whole source image
  * @param srcStep distance of source rows in bytes, of either sign
@@ -1004,11 +1023,12 @@ KELO_API ZovStatus Kelo_zoviResizeGetBufSize_64f(ZovImageRect srcRoi, ZovImageRe
  * @param yFactor vertical scale
  * @param xShift horizontal shift in destination pixels
  * @param yShift vertical shift in destination pixels
- * @param interpolation method and flags; this release resizes by ::ZOV_INTERP_NEAREST and
- * ::ZOV_INTERP_LINEAR without flags
+ * @param interpolation method of ::ZovInterpolation, with at most one of the three resize flags
  * @param workBuffer scratch memory of the size that the matching buffer-size operation reports
- * @return ::zovStsNullPtrErr, ::zovStsSizeErr, ::zovStsResizeFactorErr (a factor of 0 or less),
- * ::zovStsInterpolationErr, ::zovStsResizeFactorErr (a factor above 1 with ::ZOV_INTERP_AREA),
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (the image or a rectangle with an extent below 1, or
+ * a rectangle with a negative corner), ::zovStsResizeFactorErr (a factor of 0 or less),
+ * ::zovStsInterpolationErr (an unknown method, or two flags), ::zovStsResizeFactorErr (a factor
+ * above 1 with ::ZOV_INTERP_AREA), ::zovStsInterpolationErr (not in this release),
  * ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
  * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
  * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
@@ -1021,12 +1041,7 @@ KELO_API ZovStatus Kelo_zoviResizeSqrPixel_8u_C1R(const Zov8u* src, ZovImageSize
 
 /**
  * @brief Resizes an image of four interleaved channels of 8 bits.
- * A point at source coordinate s lands at destination coordinate s times factor plus shift; pixel x
- * covers the coordinates from x to x + 1. The operation writes the destination pixels whose centres
- * lie both in the mapped source rectangle and in @p dstRoi (with an edge flag: the pixels that lie
- * in both completely). Taps may lie outside @p srcRoi, but never outside the image, at whose edges
- * they are clamped. An image with a side below 6 is resized by ::ZOV_INTERP_CUBIC in place of
- * ::ZOV_INTERP_LANCZOS, and one with a side below 4 by ::ZOV_INTERP_LINEAR in place of any cubic.
+ * By ::ZOV_INTERP_LINEAR each value is within 0.54 of the exact one, and the same at every level.
  * @param src source image, pixel (0, 0)
  * @param srcSize extent of the whole source image
  * @param srcStep distance of source rows in bytes, of either sign
@@ -1038,11 +1053,12 @@ KELO_API ZovStatus Kelo_zoviResizeSqrPixel_8u_C1R(const Zov8u* src, ZovImageSize
  * @param yFactor vertical scale
  * @param xShift horizontal shift in destination pixels
  * @param yShift vertical shift in destination pixels
- * @param interpolation method and flags; this release resizes by ::ZOV_INTERP_NEAREST and
- * ::ZOV_INTERP_LINEAR without flags
+ * @param interpolation method of ::ZovInterpolation, with at most one of the three resize flags
  * @param workBuffer scratch memory of the size that the matching buffer-size operation reports
- * @return ::zovStsNullPtrErr, ::zovStsSizeErr, ::zovStsResizeFactorErr (a factor of 0 or less),
- * ::zovStsInterpolationErr, ::zovStsResizeFactorErr (a factor above 1 with ::ZOV_INTERP_AREA),
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (the image or a rectangle with an extent below 1, or
+ * a rectangle with a negative corner), ::zovStsResizeFactorErr (a factor of 0 or less),
+ * ::zovStsInterpolationErr (an unknown method, or two flags), ::zovStsResizeFactorErr (a factor
+ * above 1 with ::ZOV_INTERP_AREA), ::zovStsInterpolationErr (not in this release),
  * ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
  * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
  * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
@@ -1055,12 +1071,7 @@ KELO_API ZovStatus Kelo_zoviResizeSqrPixel_8u_C4R(const Zov8u* src, ZovImageSize
 
 /**
  * @brief Resizes an image of one channel of binary32.
- * A point at source coordinate s lands at destination coordinate s times factor plus shift; pixel x
- * covers the coordinates from x to x + 1. The operation writes the destination pixels whose centres
- * lie both in the mapped source rectangle and in @p dstRoi (with an edge flag: the pixels that lie
- * in both completely). Taps may lie outside @p srcRoi, but never outside the image, at whose edges
- * they are clamped. An image with a side below 6 is resized by ::ZOV_INTERP_CUBIC in place of
- * ::ZOV_INTERP_LANCZOS, and one with a side below 4 by ::ZOV_INTERP_LINEAR in place of any cubic.
+ * By ::ZOV_INTERP_LINEAR the last bit may differ at level 6, which fuses multiply and add.
  * @param src source image, pixel (0, 0)
  * @param srcSize extent of the whole source image
  * @param srcStep distance of source rows in bytes, of either sign
@@ -1072,11 +1083,12 @@ KELO_API ZovStatus Kelo_zoviResizeSqrPixel_8u_C4R(const Zov8u* src, ZovImageSize
  * @param yFactor vertical scale
  * @param xShift horizontal shift in destination pixels
  * @param yShift vertical shift in destination pixels
- * @param interpolation method and flags; this release resizes by ::ZOV_INTERP_NEAREST and
- * ::ZOV_INTERP_LINEAR without flags
+ * @param interpolation method of ::ZovInterpolation, with at most one of the three resize flags
  * @param workBuffer scratch memory of the size that the matching buffer-size operation reports
- * @return ::zovStsNullPtrErr, ::zovStsSizeErr, ::zovStsResizeFactorErr (a factor of 0 or less),
- * ::zovStsInterpolationErr, ::zovStsResizeFactorErr (a factor above 1 with ::ZOV_INTERP_AREA),
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (the image or a rectangle with an extent below 1, or
+ * a rectangle with a negative corner), ::zovStsResizeFactorErr (a factor of 0 or less),
+ * ::zovStsInterpolationErr (an unknown method, or two flags), ::zovStsResizeFactorErr (a factor
+ * above 1 with ::ZOV_INTERP_AREA), ::zovStsInterpolationErr (not in this release),
  * ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
  * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
  * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
@@ -1089,12 +1101,6 @@ KELO_API ZovStatus Kelo_zoviResizeSqrPixel_32f_C1R(const Zov32f* src, ZovImageSi
 
 /**
  * @brief Resizes an image of one channel of binary64.
- * A point at source coordinate s lands at destination coordinate s times factor plus shift; pixel x
- * covers the coordinates from x to x + 1. The operation writes the destination pixels whose centres
- * lie both in the mapped source rectangle and in @p dstRoi (with an edge flag: the pixels that lie
- * in both completely). Taps may lie outside @p srcRoi, but never outside the image, at whose edges
- * they are clamped. An image with a side below 6 is resized by ::ZOV_INTERP_CUBIC in place of
- * ::ZOV_INTERP_LANCZOS, and one with a side below 4 by ::ZOV_INTERP_LINEAR in place of any cubic.
  * @param src source image, pixel (0, 0)
  * @param srcSize extent of the whole source image
  * @param srcStep distance of source rows in bytes, of either sign
@@ -1106,11 +1112,12 @@ KELO_API ZovStatus Kelo_zoviResizeSqrPixel_32f_C1R(const Zov32f* src, ZovImageSi
  * @param yFactor vertical scale
  * @param xShift horizontal shift in destination pixels
  * @param yShift vertical shift in destination pixels
- * @param interpolation method and flags; this release resizes by ::ZOV_INTERP_NEAREST and
- * ::ZOV_INTERP_LINEAR without flags
+ * @param interpolation method of ::ZovInterpolation, with at most one of the three resize flags
  * @param workBuffer scratch memory of the size that the matching buffer-size operation reports
- * @return ::zovStsNullPtrErr, ::zovStsSizeErr, ::zovStsResizeFactorErr (a factor of 0 or less),
- * ::zovStsInterpolationErr, ::zovStsResizeFactorErr (a factor above 1 with ::ZOV_INTERP_AREA),
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (the image or a rectangle with an extent below 1, or
+ * a rectangle with a negative corner), ::zovStsResizeFactorErr (a factor of 0 or less),
+ * ::zovStsInterpolationErr (an unknown method, or two flags), ::zovStsResizeFactorErr (a factor
+ * above 1 with ::ZOV_INTERP_AREA), ::zovStsInterpolationErr (not in this release),
  * ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
  * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
  * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
