@@ -763,6 +763,103 @@ KELO_API ZovStatus Kelo_zovsPhase_32fc(const Zov32fc* pSrc, Zov32f* pDst, int le
 
 /** @} */
 
+/** @defgroup conversions Conversions */
+/** @{ */
+
+/**
+ * @brief pDst[i] = pSrc[i], exact.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsConvert_16s32f(const Zov16s* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc[i] * 2^-scaleFactor, exact apart from underflow.
+ * A scale factor outside -1008 to 1022 acts as the nearest of them. Arrays that overlap are
+ * converted element by element, forwards.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @param scaleFactor exponent of the scale 2^-scaleFactor
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsConvert_16s64f_Sfs(const Zov16s* pSrc, Zov64f* pDst, int len,
+                                               int scaleFactor);
+
+/**
+ * @brief pDst[i] = pSrc[i], exact.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsConvert_32f64f(const Zov32f* pSrc, Zov64f* pDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc[i], limited to the finite range of binary32 and rounded.
+ * Infinities give the largest finite number of their sign; a NaN stays a NaN.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsConvert_64f32f(const Zov64f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc[i], saturated. Arrays that overlap are converted element by element,
+ * forwards.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsConvert_32s16s(const Zov32s* pSrc, Zov16s* pDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc[i] * 2^-scaleFactor, limited to 16 bits and then rounded.
+ * The factor is formed in binary32 and becomes 0 or infinity for extreme scale factors.
+ * ::ZOV_RND_NEAR rounds by the current mode of the thread, which is expected to be to nearest.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @param rndMode ::ZOV_RND_ZERO, ::ZOV_RND_NEAR; any other value acts as ::ZOV_RND_FINANCIAL
+ * @param scaleFactor exponent of the scale 2^-scaleFactor
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsConvert_32f16s_Sfs(const Zov32f* pSrc, Zov16s* pDst, int len,
+                                               int rndMode, int scaleFactor);
+
+/**
+ * @brief pDst[i] = pSrc[i] * 2^-scaleFactor, limited to 16 bits and then rounded.
+ * A scale factor outside -1008 to 1022 acts as the nearest of them.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @param rndMode ::ZOV_RND_ZERO, ::ZOV_RND_NEAR; any other value acts as ::ZOV_RND_FINANCIAL
+ * @param scaleFactor exponent of the scale 2^-scaleFactor
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsConvert_64f16s_Sfs(const Zov64f* pSrc, Zov16s* pDst, int len,
+                                               int rndMode, int scaleFactor);
+
+/**
+ * @brief Separates interleaved channels: pDst[c][i] = pSrc[i * numChannels + c] * k1 + k2.
+ * With k1 = 3.0518044e-5 (1/32767.5) and k2 = 1.5259022e-5 (1/65535) in binary32, each operation
+ * rounded, the full range of the source maps to the closed range from -1 to 1.
+ * @param pSrc interleaved source, @p numChannels times @p length elements
+ * @param ppDst @p numChannels pointers to rows of @p length elements
+ * @param numChannels number of channels
+ * @param length elements of a channel
+ * @return ::zovStsNullPtrErr (pSrc), ::zovStsSizeErr (numChannels or length below 1),
+ * ::zovStsNullPtrErr (ppDst or one of its rows; no row is written), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSplitScaled_16s32f_D2L(const Zov16s* pSrc, Zov32f** ppDst,
+                                                   int numChannels, int length);
+
+/** @} */
+
 /** @defgroup statistics Sums, means, deviation and extremes */
 /** @{ */
 
@@ -941,6 +1038,54 @@ KELO_API ZovStatus Kelo_zovsMaxIndx_32f(const Zov32f* pSrc, int len, Zov32f* pMa
  * @return ::zovStsNullPtrErr (pSrc or pMin), ::zovStsSizeErr (len below 1), ::zovStsNoErr
  */
 KELO_API ZovStatus Kelo_zovsMinIndx_32f(const Zov32f* pSrc, int len, Zov32f* pMin, int* pIndx);
+
+/**
+ * @brief pSrcDst[i] = pSrc[i] > pSrcDst[i] ? pSrc[i] : pSrcDst[i], the larger of the two.
+ * A NaN in either array leaves pSrcDst[i] as it is.
+ * @param pSrc operand, @p len elements
+ * @param pSrcDst array changed in place, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMaxEvery_32f_I(const Zov32f* pSrc, Zov32f* pSrcDst, int len);
+
+/**
+ * @brief pSrcDst[i] = pSrc[i] < pSrcDst[i] ? pSrc[i] : pSrcDst[i], the smaller of the two.
+ * A NaN in either array leaves pSrcDst[i] as it is.
+ * @param pSrc operand, @p len elements
+ * @param pSrcDst array changed in place, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMinEvery_32f_I(const Zov32f* pSrc, Zov32f* pSrcDst, int len);
+
+/**
+ * @brief pDst[i] = (pSrc[i] - vSub) * (1 / vDiv), each step rounded.
+ * Arrays that overlap partly are processed element by element, forwards.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @param vSub offset
+ * @param vDiv divisor
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDivByZeroErr (vDiv below the
+ * smallest normal number in magnitude), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsNormalize_32f(const Zov32f* pSrc, Zov32f* pDst, int len, Zov32f vSub,
+                                          Zov32f vDiv);
+
+/**
+ * @brief pDst[i] = (pSrc[i] - vSub) * (1 / vDiv), each step rounded.
+ * Arrays that overlap partly are processed element by element, forwards.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements
+ * @param len number of elements
+ * @param vSub offset
+ * @param vDiv divisor
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDivByZeroErr (vDiv below the
+ * smallest normal number in magnitude), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsNormalize_64f(const Zov64f* pSrc, Zov64f* pDst, int len, Zov64f vSub,
+                                          Zov64f vDiv);
 
 /** @} */
 

@@ -254,6 +254,58 @@ TEST(Statistics, ExtremesOfFloatsWithTiesAndNaN) {
   });
 }
 
+TEST(Statistics, ElementwiseExtremesKeepTheSecondUnlessBeaten) {
+  std::mt19937 random(11);
+  const GuardedArray<Zov32f> other(5000);
+  ForEachLevel([&](int level) {
+    WalkArrays<Zov32f>(random, [&](Zov32f* p, int n) {
+      const std::size_t count = static_cast<std::size_t>(n);
+      Zov32f* const q = other.At(count, Guard::before, 4);
+      for (const bool larger : {true, false}) {
+        std::vector<Zov32f> want(count);
+        for (int i = 0; i < n; ++i) {
+          const Zov32f b = random() % 9 == 0 ? kNaN : static_cast<Zov32f>(random() % 200) - 100;
+          q[i] = b;
+          const Zov32f a = At(p, i);
+          want[static_cast<std::size_t>(i)] = (larger ? a > b : a < b) ? a : b;
+        }
+        const auto call =
+            larger ? ZOV_AT(level, zovsMaxEvery_32f_I) : ZOV_AT(level, zovsMinEvery_32f_I);
+        ASSERT_EQ(call(p, q, n), zovStsNoErr);
+        ASSERT_EQ(std::memcmp(q, want.data(), count * sizeof(Zov32f)), 0) << n;
+      }
+    });
+  });
+}
+
+template <class T, class Call>
+void CheckNormalize(Call call, T denormal) {
+  std::mt19937 random(12);
+  const GuardedArray<T> target(5000);
+  WalkArrays<T>(random, [&](const T* p, int n) {
+    T* const dst = target.At(static_cast<std::size_t>(n), Guard::after);
+    ASSERT_EQ(call(p, dst, n, T(0.7), T(3)), zovStsNoErr);
+    for (int i = 0; i < n; ++i) ASSERT_EQ(dst[i], (At(p, i) - T(0.7)) * (T(1) / T(3)));
+  });
+  T chain[40], want[40];
+  for (int i = 0; i < 40; ++i) chain[i] = want[i] = T(i);
+  for (int i = 0; i < 39; ++i) want[i + 1] = (want[i] - T(1)) * (T(1) / T(4));
+  EXPECT_EQ(call(chain, chain + 1, 39, T(1), T(4)), zovStsNoErr);
+  EXPECT_EQ(std::memcmp(chain, want, sizeof chain), 0) << "a forward walk";
+  T x = 1;
+  EXPECT_EQ(call(&x, &x, 1, T(0), denormal), zovStsDivByZeroErr);
+  EXPECT_EQ(call(&x, &x, 0, T(0), denormal), zovStsSizeErr);
+  EXPECT_EQ(call(&x, static_cast<T*>(nullptr), 0, T(0), T(0)), zovStsNullPtrErr);
+  EXPECT_EQ(x, 1);
+}
+
+TEST(Statistics, Normalize) {
+  ForEachLevel([](int level) {
+    CheckNormalize<Zov32f>(ZOV_AT(level, zovsNormalize_32f), -1e-40f);
+    CheckNormalize<Zov64f>(ZOV_AT(level, zovsNormalize_64f), 1e-310);
+  });
+}
+
 TEST(Statistics, ChecksComeInOrder) {
   ForEachLevel([](int level) {
     const Zov32f f[2] = {1, 2};

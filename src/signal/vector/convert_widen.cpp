@@ -1,0 +1,177 @@
+// Conversions to a wider type: exact, or with one scale.
+#include "core/checks.h"
+#include "core/entries.h"
+#include "core/simd.h"
+#include "signal/vector/convert.h"
+
+namespace zov::ZOV_LEVEL_NAMESPACE {
+
+namespace {
+
+// Four elements of 16 bits as 32-bit lanes.
+ZOV_INLINE __m128i Widen4(const Zov16s* p) {
+  const __m128i x = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+#if defined(__SSE4_1__)
+  return _mm_cvtepi16_epi32(x);
+#else
+  return _mm_srai_epi32(_mm_unpacklo_epi16(x, x), 16);
+#endif
+}
+
+// One vector of floats from as many elements of 16 bits.
+ZOV_INLINE VecF LoadAsFloat(const Zov16s* p) {
+#if defined(__AVX2__)
+  return {(VecF::Native)_mm256_cvtepi32_ps(
+      _mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))))};
+#elif defined(__AVX__)
+  return {(VecF::Native)_mm256_cvtepi32_ps(_mm256_setr_m128i(Widen4(p), Widen4(p + 4)))};
+#else
+  return {_mm_cvtepi32_ps(Widen4(p))};
+#endif
+}
+
+struct Widen16s32f {
+  static constexpr int kStep = VecF::kLanes;
+  static ZOV_INLINE void Block(const Zov16s* pSrc, Zov32f* pDst) { LoadAsFloat(pSrc).Store(pDst); }
+  static ZOV_INLINE Zov32f One(Zov16s x) { return x; }
+};
+
+struct Widen32f64f {
+  static constexpr int kStep = VecD::kLanes;
+  static ZOV_INLINE void Block(const Zov32f* pSrc, Zov64f* pDst) { LoadAsDouble(pSrc).Store(pDst); }
+  static ZOV_INLINE Zov64f One(Zov32f x) { return static_cast<Zov64f>(x); }
+};
+
+template <bool kScaled>
+struct Widen16s64f {
+  double scale;
+  VecD scales = VecD::Broadcast(scale);
+
+  static constexpr int kStep = 4;
+  ZOV_INLINE void Block(const Zov16s* pSrc, Zov64f* pDst) const {
+    const __m128i x = Widen4(pSrc);
+#if defined(__AVX__)
+    Put({_mm256_cvtepi32_pd(x)}, pDst);
+#else
+    Put({_mm_cvtepi32_pd(x)}, pDst);
+    Put({_mm_cvtepi32_pd(_mm_unpackhi_epi64(x, x))}, pDst + 2);
+#endif
+  }
+  ZOV_INLINE void Put(VecD x, Zov64f* pDst) const {
+    if constexpr (kScaled) x = x * scales;
+    x.Store(pDst);
+  }
+  ZOV_INLINE Zov64f One(Zov16s x) const { return kScaled ? x * scale : x; }
+};
+
+// Full-scale 16-bit samples onto the closed range from -1 to 1: 1/32767.5 and 1/65535.
+constexpr float kSampleScale = 3.0518044e-5F;
+constexpr float kSampleOffset = 1.5259022e-5F;
+
+struct ScaleSample {
+  const VecF scales = VecF::Broadcast(kSampleScale);
+  const VecF offsets = VecF::Broadcast(kSampleOffset);
+
+  static constexpr int kStep = VecF::kLanes;
+  ZOV_INLINE VecF Apply(VecF x) const { return x * scales + offsets; }
+  ZOV_INLINE void Block(const Zov16s* pSrc, Zov32f* pDst) const {
+    Apply(LoadAsFloat(pSrc)).Store(pDst);
+  }
+  static ZOV_INLINE Zov32f One(Zov16s x) {
+    return static_cast<Zov32f>(x) * kSampleScale + kSampleOffset;
+  }
+};
+
+// Both channels of interleaved pairs at once: a 32-bit lane holds the first in its low half.
+ZOV_INLINE void SplitPairs(const ScaleSample& scale, const Zov16s* pSrc, Zov32f* pFirst,
+                           Zov32f* pSecond, int len) {
+  int i = 0;
+  for (; len - i >= 4; i += 4) {
+    const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pSrc + 2 * i));
+    const Vec<float, 4> first = {_mm_cvtepi32_ps(_mm_srai_epi32(_mm_slli_epi32(x, 16), 16))};
+    const Vec<float, 4> second = {_mm_cvtepi32_ps(_mm_srai_epi32(x, 16))};
+    const auto scales = Vec<float, 4>::Broadcast(kSampleScale);
+    const auto offsets = Vec<float, 4>::Broadcast(kSampleOffset);
+    (first * scales + offsets).Store(pFirst + i);
+    (second * scales + offsets).Store(pSecond + i);
+  }
+  for (; i < len; ++i) {
+    pFirst[i] = scale.One(pSrc[2 * i]);
+    pSecond[i] = scale.One(pSrc[2 * i + 1]);
+  }
+}
+
+// One channel out of many: the elements are gathered one by one and scaled together.
+ZOV_INLINE void SplitChannel(const ScaleSample& scale, const Zov16s* pSrc, std::ptrdiff_t channels,
+                             Zov32f* pDst, int len) {
+  int i = 0;
+  for (; len - i >= ScaleSample::kStep; i += ScaleSample::kStep) {
+    Zov16s gathered[ScaleSample::kStep];
+    for (Zov16s& x : gathered) {
+      x = *pSrc;
+      pSrc += channels;
+    }
+    scale.Block(gathered, pDst + i);
+  }
+  for (; i < len; ++i) {
+    pDst[i] = scale.One(*pSrc);
+    pSrc += channels;
+  }
+}
+
+}  // namespace
+
+ZovStatus zovsConvert_16s32f(const Zov16s* pSrc, Zov32f* pDst, int len) {
+  if (const ZovStatus status = CheckArrays(len, pSrc, pDst)) return status;
+  ConvertArray(Widen16s32f{}, pSrc, pDst, len);
+  return zovStsNoErr;
+}
+
+ZovStatus zovsConvert_32f64f(const Zov32f* pSrc, Zov64f* pDst, int len) {
+  if (const ZovStatus status = CheckArrays(len, pSrc, pDst)) return status;
+  ConvertArray(Widen32f64f{}, pSrc, pDst, len);
+  return zovStsNoErr;
+}
+
+ZovStatus zovsConvert_16s64f_Sfs(const Zov16s* pSrc, Zov64f* pDst, int len, int scaleFactor) {
+  if (const ZovStatus status = CheckArrays(len, pSrc, pDst)) return status;
+  if (scaleFactor == 0) {
+    ConvertPerhapsOverlapping(Widen16s64f<false>{1.0}, pSrc, pDst, len);
+  } else {
+    ConvertPerhapsOverlapping(Widen16s64f<true>{PowerOfTwo(scaleFactor)}, pSrc, pDst, len);
+  }
+  return zovStsNoErr;
+}
+
+ZovStatus zovsSplitScaled_16s32f_D2L(const Zov16s* pSrc, Zov32f** ppDst, int numChannels,
+                                     int length) {
+  // The sizes come between the pointers, and every row is tested before any is written.
+  if (pSrc == nullptr) return zovStsNullPtrErr;
+  if (numChannels < 1 || length < 1) return zovStsSizeErr;
+  if (ppDst == nullptr) return zovStsNullPtrErr;
+  const std::int64_t srcLen = std::int64_t{numChannels} * length;
+  bool overlap = false;
+  for (int c = 0; c < numChannels; ++c) {
+    if (ppDst[c] == nullptr) return zovStsNullPtrErr;
+    overlap = overlap || Overlap(pSrc, srcLen, ppDst[c], length);
+  }
+  const ScaleSample scale;
+  if (overlap) {
+    for (int c = 0; c < numChannels; ++c) {
+      for (std::int64_t i = 0; i < length; ++i) {
+        ppDst[c][i] = scale.One(pSrc[i * numChannels + c]);
+      }
+    }
+  } else if (numChannels == 1) {
+    ConvertArray(scale, pSrc, ppDst[0], length);
+  } else if (numChannels == 2) {
+    SplitPairs(scale, pSrc, ppDst[0], ppDst[1], length);
+  } else {
+    for (int c = 0; c < numChannels; ++c) {
+      SplitChannel(scale, pSrc + c, numChannels, ppDst[c], length);
+    }
+  }
+  return zovStsNoErr;
+}
+
+}  // namespace zov::ZOV_LEVEL_NAMESPACE
