@@ -11,7 +11,7 @@ declare -A groups=(
   [demo]="pkg-config libpng-dev graphicsmagick lomiri-wallpapers-16.04"
   [docs]="doxygen"
   [bench]="libbenchmark-dev libfftw3-dev libopencv-core-dev libopencv-imgproc-dev libvolk2-dev
-           libsleef-dev libliquid-dev python3"
+           libswscale-dev libzimg-dev libsleef-dev libliquid-dev pkg-config python3"
 )
 
 if [[ $# -eq 0 ]]; then

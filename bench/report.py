@@ -1,0 +1,222 @@
+#!/usr/bin/env python3
+"""Tables from the output of kelozov_bench: report.py RESULT.json [--csv FILE]
+
+A ratio is the time of the best peer over ours: above 1 we are faster. Peers in the column "unheld"
+use instructions above the level under test; they are shown, not compared.
+"""
+import argparse
+import csv
+import json
+import math
+import re
+from collections import namedtuple
+
+# What we hold ourselves to at the highest level. The mean is the geometric mean of the ratios of the
+# operations that `operations` matches; a floor is for the mean of each operation, or for each size.
+Aim = namedtuple("Aim", "family operations mean floor floor_of", defaults=(None, None))
+AIMS = [
+    Aim("memory", ".*", 1.0, 0.85, "size"),
+    Aim("arithmetic", ".*", 1.1, 0.95, "operation"),
+    Aim("search", "zovsFind", 2.0),
+    Aim("search", "zovs(Threshold|ReplaceC)", 1.0),
+    Aim("resize", "8u C1", 3.0, 1.5, "operation"),
+    Aim("resize", "8u C4", 1.5, 1.0, "operation"),
+    Aim("resize", "32f C1", 1.5, 1.0, "operation"),
+]
+HIGHEST_LEVEL = 6
+LEAST_STEP = 0.95  # a level against the one below
+
+Figure = namedtuple("Figure", "role name ns")
+
+
+class Case:
+    def __init__(self, run):
+        self.family, self.operation, self.size = run["name"].split("/")[:3]
+        self.unit = run["label"]
+        self.work = run["work"]
+        self.figures = []
+        for key, value in run.items():
+            role, colon, name = key.partition(":")
+            if colon and role in ("ours", "peer", "unheld", "level"):
+                self.figures.append(Figure(role, name, value))
+
+    def of(self, role):
+        return [figure for figure in self.figures if figure.role == role]
+
+    def best(self, role):
+        return min(self.of(role), key=lambda figure: figure.ns, default=None)
+
+    def throughput(self, figure):
+        """In the case's unit: work a nanosecond is giga, times 1000 is mega."""
+        return self.work / figure.ns * (1 if self.unit == "GB/s" else 1000)
+
+    @property
+    def ratio(self):
+        return self.best("peer").ns / self.best("ours").ns
+
+
+def geometric_mean(values):
+    return math.exp(sum(map(math.log, values)) / len(values))
+
+
+def three_digits(value):
+    digits = max(0, 2 - math.floor(math.log10(value))) if value > 0 else 0
+    return f"{value:.{digits}f}"
+
+
+def print_table(head, rows, right=()):
+    """A table that reads as text and as Markdown."""
+    widths = [max(len(row[i]) for row in [head, *rows]) for i in range(len(head))]
+    cells = [str.rjust if name in right else str.ljust for name in head]
+    rule = [("-" * (w - 1) + ":") if name in right else "-" * w for name, w in zip(head, widths)]
+    for row in [head, rule, *rows]:
+        print("| " + " | ".join(f(c, w) for f, c, w in zip(cells, row, widths)) + " |")
+    print()
+
+
+def by_operation(cases):
+    operations = {}
+    for case in cases:
+        operations.setdefault(case.operation, []).append(case)
+    return operations
+
+
+def print_entry(cases):
+    rows = []
+    for case in cases:
+        entry, direct = case.best("ours").ns, case.best("peer").ns
+        rows.append([case.operation, case.size, f"{direct:.2f}", f"{entry:.2f}",
+                     f"{entry - direct:.2f}"])
+    head = ["operation", "size", "level routine, ns", "through the entry, ns", "difference, ns"]
+    print_table(head, rows, right=head[2:])
+
+
+def print_family(family, cases, level):
+    unit = cases[0].unit
+    with_unheld = any(case.of("unheld") for case in cases)
+    head = ["operation", "size", f"KeloZov {unit}", "best peer", f"peer {unit}", "ratio"]
+    head += [f"unheld peer {unit}"] * with_unheld
+    rows = []
+    for case in cases:
+        ours, peer, unheld = case.best("ours"), case.best("peer"), case.best("unheld")
+        row = [case.operation, case.size, three_digits(case.throughput(ours)), peer.name,
+               three_digits(case.throughput(peer)), f"{case.ratio:.2f}"]
+        if with_unheld:
+            row.append(f"{unheld.name} {three_digits(case.throughput(unheld))}" if unheld else "")
+        rows.append(row)
+    print_table(head, rows, right=[head[2], head[4], "ratio"])
+
+    means, rows = {}, []
+    for operation, members in by_operation(cases).items():
+        means[operation] = geometric_mean([case.ratio for case in members])
+        worst = min(members, key=lambda case: case.ratio)
+        rows.append([operation, f"{means[operation]:.2f}", f"{worst.ratio:.2f}", worst.size])
+    print_table(["operation", "mean ratio", "lowest ratio", "at"], rows,
+                right=["mean ratio", "lowest ratio"])
+
+    worst = min(cases, key=lambda case: case.ratio)
+    mean = geometric_mean([case.ratio for case in cases])
+    print(f"{family}: mean ratio {mean:.2f}; lowest {worst.ratio:.2f} "
+          f"({worst.operation}, {worst.size}, against {worst.best('peer').name})")
+    if level == HIGHEST_LEVEL:
+        for aim in AIMS:
+            print_aim(aim, family, cases, means)
+    print()
+
+
+def print_aim(aim, family, cases, means):
+    """Whether an aim of this family and its floor hold."""
+    matching = [case for case in cases if re.match(aim.operations, case.operation)]
+    if aim.family != family or not matching:
+        return
+    verdict = lambda holds: "holds" if holds else "MISSED"
+    mean = geometric_mean([case.ratio for case in matching])
+    of = "" if aim.operations == ".*" else f" for {aim.operations}"
+    text = f"aim{of}: mean {aim.mean:.2f}: {verdict(mean >= aim.mean)} with {mean:.2f}"
+    if aim.floor is not None:
+        if aim.floor_of == "size":
+            each = {f"{case.operation}, {case.size}": case.ratio for case in matching}
+        else:
+            each = {case.operation: means[case.operation] for case in matching}
+        lowest = min(each, key=each.get)
+        text += (f"; no {aim.floor_of} below {aim.floor:.2f}: "
+                 f"{verdict(each[lowest] >= aim.floor)} with {each[lowest]:.2f} ({lowest})")
+        below = sorted(name for name, ratio in each.items() if ratio < aim.floor and name != lowest)
+        if below:
+            text += "; also below: " + "; ".join(f"{name} {each[name]:.2f}" for name in below)
+    print(text)
+
+
+def print_levels(family, cases):
+    """Each level's speed over that of the level below it."""
+    levels = [figure.name for figure in cases[0].of("level")]
+    unit = cases[0].unit
+    head = ["operation", "size", f"{levels[0]} {unit}"] + levels[1:] + [f"{levels[-1]} {unit}"]
+    rows, below, lowest = [], [], {}
+    for operation, members in by_operation(cases).items():
+        steps = []
+        for case in members:
+            ns = [figure.ns for figure in case.of("level")]
+            steps.append([ns[i] / ns[i + 1] for i in range(len(ns) - 1)])
+            first, last = case.of("level")[0], case.of("level")[-1]
+            rows.append([operation, case.size, three_digits(case.throughput(first))]
+                        + [f"{step:.2f}" for step in steps[-1]]
+                        + [three_digits(case.throughput(last))])
+        means = [geometric_mean(column) for column in zip(*steps)]
+        rows.append([operation, "mean", ""] + [f"{mean:.2f}" for mean in means] + [""])
+        lowest[operation] = min(means, default=1)
+        below += [f"{operation} at {level}: {mean:.2f}"
+                  for level, mean in zip(levels[1:], means) if mean < LEAST_STEP]
+    print_table(head, rows, right=head[2:])
+    operation = min(lowest, key=lowest.get)
+    print(f"{family}: lowest mean step {lowest[operation]:.2f} ({operation}); every level at least "
+          f"{LEAST_STEP} of the one below: " + ("MISSED by " + "; ".join(below) if below else "holds"))
+    print()
+
+
+def write_csv(path, cases, level):
+    with open(path, "w", newline="") as file:
+        out = csv.writer(file)
+        out.writerow(["family", "operation", "size", "level", "role", "name", "ns_per_call",
+                      "throughput", "unit", "ratio_of_kelozov"])
+        for case in cases:
+            ours = case.best("ours")
+            for figure in case.figures:
+                own_level = figure.name if figure.role == "level" else level
+                ratio = f"{figure.ns / ours.ns:.4f}" if ours else ""
+                out.writerow([case.family, case.operation, case.size, own_level, figure.role,
+                              figure.name, f"{figure.ns:.3f}",
+                              f"{case.throughput(figure):.5g}", case.unit, ratio])
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("result")
+    parser.add_argument("--csv")
+    options = parser.parse_args()
+    with open(options.result) as file:
+        result = json.load(file)
+    context = result["context"]
+    cases = [Case(run) for run in result["benchmarks"]]
+    if not cases:
+        raise SystemExit("no case matches")
+    level = int(context["level"])
+    print(f"level {level}; peers: {context['peers'] or 'none'}; "
+          f"missing: {context['peers_missing'] or 'none'}\n")
+    families = {}
+    for case in cases:
+        families.setdefault(case.family, []).append(case)
+    for family, members in families.items():
+        print(f"## {family}\n")
+        if members[0].of("level"):
+            print_levels(family, members)
+        elif family == "entry":
+            print_entry(members)
+        else:
+            print_family(family, members, level)
+    if options.csv:
+        write_csv(options.csv, cases, level)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,80 @@
+// Cases of image resize.
+#include "resize.h"
+
+#include "registry.h"
+#include "routine.h"
+
+namespace zov::bench {
+
+namespace {
+
+constexpr ZovImageSize kSource = {1920, 1080};
+constexpr ZovImageSize kTargets[] = {{1280, 720}, {3840, 2160}, {480, 270}};
+
+ZovImageRect Whole(ZovImageSize size) { return {0, 0, size.width, size.height}; }
+
+std::string Label(ZovImageSize size) {
+  return std::to_string(size.width) + "x" + std::to_string(size.height);
+}
+
+template <class T>
+void AddFormat(Cases& cases, const char* name, decltype(ResizeTask::pixel) pixel, int channels,
+               ZovStatus (*resize)(const T*, ZovImageSize, int, ZovImageRect, T*, int, ZovImageRect,
+                                   double, double, double, double, int, Zov8u*)) {
+  const auto getBufSize =
+      pixel == Pixel::f64 ? ENTRY(zoviResizeGetBufSize_64f) : ENTRY(zoviResizeGetBufSize);
+  if (resize == nullptr || getBufSize == nullptr) return;
+  const int pixelBytes = channels * static_cast<int>(sizeof(T));
+  for (const int method : {ZOV_INTERP_NEAREST, ZOV_INTERP_LINEAR}) {
+    const bool linear = method == ZOV_INTERP_LINEAR;
+    for (const ZovImageSize target : kTargets) {
+      const auto setUp = [=](Contest& contest) {
+        const int sourceStep = kSource.width * pixelBytes;
+        const int targetStep = target.width * pixelBytes;
+        const std::size_t sourceBytes = static_cast<std::size_t>(sourceStep * kSource.height);
+        const std::size_t targetBytes = static_cast<std::size_t>(targetStep * target.height);
+        T* const source = reinterpret_cast<T*>(contest.Array<std::byte>(sourceBytes));
+        T* const result = reinterpret_cast<T*>(contest.Array<std::byte>(targetBytes));
+        // A smooth gradient with some texture; the values do not steer any of the contestants.
+        for (std::size_t i = 0; i < sourceBytes / sizeof(T); ++i) {
+          source[i] = static_cast<T>((i * 7 + i / 1920 * 13) % 251);
+        }
+        int bufferBytes = 0;
+        getBufSize(Whole(kSource), Whole(target), channels, method, &bufferBytes);
+        // Room for the greater alignment of the other levels.
+        Zov8u* const buffer = contest.Array<Zov8u>(static_cast<std::size_t>(bufferBytes) + 64);
+        const double xFactor = static_cast<double>(target.width) / kSource.width;
+        const double yFactor = static_cast<double>(target.height) / kSource.height;
+        contest.Ours([=] {
+          resize(source, kSource, sourceStep, Whole(kSource), result, targetStep, Whole(target),
+                 xFactor, yFactor, 0, 0, method, buffer);
+        });
+        [[maybe_unused]] const ResizeTask task = {pixel,  channels, kSource,    target,    linear,
+                                                  source, result,   sourceStep, targetStep};
+#if KELOZOV_BENCH_OPENCV
+        AddOpenCvResize(contest, task);
+#endif
+#if KELOZOV_BENCH_SWSCALE
+        AddSwscaleResize(contest, task);
+#endif
+#if KELOZOV_BENCH_ZIMG
+        AddZimgResize(contest, task);
+#endif
+      };
+      cases.push_back({"resize", std::string(name) + (linear ? " linear" : " nearest"),
+                       Label(kSource) + " to " + Label(target), "Mpix/s",
+                       static_cast<double>(target.width) * target.height, setUp});
+    }
+  }
+}
+
+}  // namespace
+
+void AddResizeCases(Cases& cases) {
+  AddFormat(cases, "8u C1", Pixel::u8, 1, ENTRY(zoviResizeSqrPixel_8u_C1R));
+  AddFormat(cases, "8u C4", Pixel::u8, 4, ENTRY(zoviResizeSqrPixel_8u_C4R));
+  AddFormat(cases, "32f C1", Pixel::f32, 1, ENTRY(zoviResizeSqrPixel_32f_C1R));
+  AddFormat(cases, "64f C1", Pixel::f64, 1, ENTRY(zoviResizeSqrPixel_64f_C1R));
+}
+
+}  // namespace zov::bench

@@ -1,0 +1,29 @@
+// What the peers of image resize need to know of a case. Where a peer does other work than we do,
+// its source says so.
+#pragma once
+
+#include "contest.h"
+#include "kelozov/kelozov.h"
+
+namespace zov::bench {
+
+enum class Pixel { u8, f32, f64 };
+
+struct ResizeTask {
+  Pixel pixel;
+  int channels;
+  ZovImageSize sourceSize;
+  ZovImageSize targetSize;
+  bool linear;  // else nearest
+  const void* source;
+  void* target;
+  int sourceStep;  // bytes
+  int targetStep;
+};
+
+// Each adds its peer, held to the contest's level and unheld, if it knows the format.
+void AddOpenCvResize(Contest& contest, const ResizeTask& task);
+void AddSwscaleResize(Contest& contest, const ResizeTask& task);
+void AddZimgResize(Contest& contest, const ResizeTask& task);
+
+}  // namespace zov::bench

@@ -1,0 +1,27 @@
+// An export under test together with its plain loop: ROUTINE(zovsAdd_32f).
+#pragma once
+
+#include "kelozov/kelozov.h"
+#include "peers/plain.h"
+
+namespace zov::bench {
+
+template <class Function>
+struct Routine {
+  const char* name;
+  Function entry;         // as applications call it, through the entry that dispatches
+  const Function* plain;  // the loop that the compiler vectorises, built for each level
+};
+
+// An export's entry and its table of level routines; null while the library does not have it.
+struct Export {
+  void (*entry)();
+  const void* table;
+};
+Export FindExport(const char* name);
+
+#define ENTRY(name) reinterpret_cast<decltype(&Kelo_##name)>(zov::bench::FindExport(#name).entry)
+#define ROUTINE(name) \
+  zov::bench::Routine<decltype(&Kelo_##name)> { #name, ENTRY(name), zov::bench::plain_##name }
+
+}  // namespace zov::bench
