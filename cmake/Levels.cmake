@@ -14,6 +14,7 @@ set(KELOZOV_FLAGS_avx2 -mavx2 -mfma -mbmi -mbmi2)
 # Flags of everything that ends up in the library.
 add_library(kelozov_flags INTERFACE)
 target_compile_features(kelozov_flags INTERFACE cxx_std_20)
+target_compile_definitions(kelozov_flags INTERFACE KELOZOV_BUILDING)
 target_compile_options(kelozov_flags INTERFACE
   -march=x86-64 -mtune=generic -ffp-contract=off -fno-math-errno -fno-trapping-math
   -fvisibility=hidden -fno-semantic-interposition
