@@ -99,13 +99,17 @@ def print_family(family, cases, level):
     rows = []
     for case in cases:
         ours, peer, unheld = case.best("ours"), case.best("peer"), case.best("unheld")
-        row = [case.operation, case.size, three_digits(case.throughput(ours)), peer.name,
-               three_digits(case.throughput(peer)), f"{case.ratio:.2f}"]
+        row = [case.operation, case.size, three_digits(case.throughput(ours))]
+        row += ([peer.name, three_digits(case.throughput(peer)), f"{case.ratio:.2f}"] if peer
+                else ["none", "", ""])
         if with_unheld:
             row.append(f"{unheld.name} {three_digits(case.throughput(unheld))}" if unheld else "")
         rows.append(row)
     print_table(head, rows, right=[head[2], head[4], "ratio"])
 
+    cases = [case for case in cases if case.of("peer")]
+    if not cases:
+        return
     means, rows = {}, []
     for operation, members in by_operation(cases).items():
         means[operation] = geometric_mean([case.ratio for case in members])
