@@ -8,8 +8,9 @@
 #define ZOV_PLAIN_LOOPS(X)                                                                        \
   X(zovsSet_8u)                                                                                   \
   X(zovsSet_32s)                                                                                  \
-  X(zovsSet_32f) X(zovsZero_32f) X(zovsZero_64f) X(zovsCopy_32f) X(zovsCopy_64f) X(zovsFind_8u)   \
-      X(zovsFind_16u) X(zovsReplaceC_16u) X(zovsThreshold_32f_I) X(zovsThreshold_GTVal_32f)       \
+  X(zovsSet_32f)                                                                                  \
+  X(zovsZero_32f) X(zovsZero_64f) X(zovsCopy_32f) X(zovsCopy_64f) X(zovsFind_8u) X(zovsFind_16u)  \
+      X(zovsReplaceC_16u) X(zovsThreshold_32f_I) X(zovsThreshold_GTVal_32f)                       \
           X(zovsThreshold_GTVal_32f_I) X(zovsThreshold_LTVal_32f) X(zovsThreshold_LTVal_32f_I)    \
               X(zovsAdd_32f) X(zovsAdd_32f_I) X(zovsAddC_32f) X(zovsAddC_32f_I) X(zovsAddC_64f_I) \
                   X(zovsSub_32f) X(zovsSub_32f_I) X(zovsSubC_32f) X(zovsSubC_32f_I)               \

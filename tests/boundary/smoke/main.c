@@ -57,6 +57,7 @@ int main(int argc, char** argv) {
 
   SmokeMemory();
   SmokeFill();
+  SmokeSearch();
   SmokeArithmetic();
   SmokeConversion();
   SmokeStatistics();

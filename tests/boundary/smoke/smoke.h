@@ -28,6 +28,7 @@ void SmokeExpect(int ok, const char* what, const char* file, int line);
 
 void SmokeMemory(void);
 void SmokeFill(void);
+void SmokeSearch(void);
 void SmokeLarge(void);
 void SmokeArithmetic(void);
 void SmokeConversion(void);
