@@ -5,22 +5,20 @@
 #include "core/level.h"
 #include "kelozov/kelozov.h"
 
+// The formatter moves such a list at each run.
+// clang-format off
 #define ZOV_PLAIN_LOOPS(X)                                                                        \
-  X(zovsSet_8u)                                                                                   \
-  X(zovsSet_32s)                                                                                  \
-  X(zovsSet_32f)                                                                                  \
-  X(zovsZero_32f) X(zovsZero_64f) X(zovsCopy_32f) X(zovsCopy_64f) X(zovsFind_8u) X(zovsFind_16u)  \
-      X(zovsReplaceC_16u) X(zovsThreshold_32f_I) X(zovsThreshold_GTVal_32f)                       \
-          X(zovsThreshold_GTVal_32f_I) X(zovsThreshold_LTVal_32f) X(zovsThreshold_LTVal_32f_I)    \
-              X(zovsAdd_32f) X(zovsAdd_32f_I) X(zovsAddC_32f) X(zovsAddC_32f_I) X(zovsAddC_64f_I) \
-                  X(zovsSub_32f) X(zovsSub_32f_I) X(zovsSubC_32f) X(zovsSubC_32f_I)               \
-                      X(zovsSubCRev_32f) X(zovsMul_32f) X(zovsMul_32f_I) X(zovsMul_64f_I)         \
-                          X(zovsMul_64fc) X(zovsMulC_32f) X(zovsMulC_32f_I) X(zovsMulC_64f_I)     \
-                              X(zovsDiv_32f) X(zovsDivC_32f) X(zovsDivC_32f_I) X(zovsDivCRev_32f) \
-                                  X(zovsDivCRev_32f_I) X(zovsAbs_32f) X(zovsAbs_32f_I)            \
-                                      X(zovsSqr_32f_I) X(zovsSqrt_32f) X(zovsMagnitude_32fc)      \
-                                          X(zovsMagnitude_64fc) X(zovsMagnitude_16sc_Sfs)         \
-                                              X(zovsPhase_32fc)
+  X(zovsSet_8u) X(zovsSet_32s) X(zovsSet_32f) X(zovsZero_32f) X(zovsZero_64f) X(zovsCopy_32f)     \
+  X(zovsCopy_64f) X(zovsFind_8u) X(zovsFind_16u) X(zovsReplaceC_16u) X(zovsThreshold_32f_I)       \
+  X(zovsThreshold_GTVal_32f) X(zovsThreshold_GTVal_32f_I) X(zovsThreshold_LTVal_32f)              \
+  X(zovsThreshold_LTVal_32f_I) X(zovsAdd_32f) X(zovsAdd_32f_I) X(zovsAddC_32f) X(zovsAddC_32f_I)  \
+  X(zovsAddC_64f_I) X(zovsSub_32f) X(zovsSub_32f_I) X(zovsSubC_32f) X(zovsSubC_32f_I)             \
+  X(zovsSubCRev_32f) X(zovsMul_32f) X(zovsMul_32f_I) X(zovsMul_64f_I) X(zovsMul_64fc)             \
+  X(zovsMulC_32f) X(zovsMulC_32f_I) X(zovsMulC_64f_I) X(zovsDiv_32f) X(zovsDivC_32f)              \
+  X(zovsDivC_32f_I) X(zovsDivCRev_32f) X(zovsDivCRev_32f_I) X(zovsAbs_32f) X(zovsAbs_32f_I)       \
+  X(zovsSqr_32f_I) X(zovsSqrt_32f) X(zovsMagnitude_32fc) X(zovsMagnitude_64fc)                    \
+  X(zovsMagnitude_16sc_Sfs) X(zovsPhase_32fc)
+// clang-format on
 
 namespace zov::bench {
 
