@@ -4,6 +4,7 @@
 #include "core/checks.h"
 #include "core/entries.h"
 #include "signal/vector/copy_kernels.h"
+#include "signal/vector/string_instructions.h"
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
@@ -17,45 +18,17 @@ ZOV_INLINE void Touch(const Zov8u* p, std::int64_t bytes) {
   }
 }
 
-ZOV_INLINE void StreamRun(const Zov8u* src, Zov8u* dst) {
-  Half run[4];
-  for (int i = 0; i < 4; ++i) run[i] = Half::Load(src + 16 * i);
-  for (int i = 0; i < 4; ++i) run[i].Stream(dst + 16 * i);
-}
-
-// The direction flag is as the caller left it when the move is done. The stack pointer steps over
-// the red zone while the flags lie on the stack.
-#define ZOV_STRING_MOVE(instruction)      \
-  asm volatile(                           \
-      "leaq -128(%%rsp), %%rsp\n\t"       \
-      "pushfq\n\t"                        \
-      "cld\n\t"                           \
-      "rep " instruction                  \
-      "\n\t"                              \
-      "popfq\n\t"                         \
-      "leaq 128(%%rsp), %%rsp"            \
-      : "+S"(src), "+D"(dst), "+c"(count) \
-      :                                   \
-      : "memory", "cc")
-
+// The string move by units of T, on which source and destination agree: the units lie between the
+// odd bytes at the start and at the end.
 template <class T>
-ZOV_INLINE void MoveString(const Zov8u* src, Zov8u* dst, std::int64_t bytes) {
+ZOV_INLINE void MoveUnits(const Zov8u* src, Zov8u* dst, std::int64_t bytes) {
   constexpr int kBytes = sizeof(T);
   const std::int64_t head = static_cast<std::int64_t>(BytesToAlign<kBytes>(dst));
   CopyShort(src, dst, head);
   src += head;
   dst += head;
   bytes -= head;
-  std::int64_t count = bytes / kBytes;
-  if constexpr (kBytes == 8) {
-    ZOV_STRING_MOVE("movsq");
-  } else if constexpr (kBytes == 4) {
-    ZOV_STRING_MOVE("movsl");
-  } else if constexpr (kBytes == 2) {
-    ZOV_STRING_MOVE("movsw");
-  } else {
-    ZOV_STRING_MOVE("movsb");
-  }
+  StringMove<T>(src, dst, bytes / kBytes);
   CopyShort(src, dst, bytes % kBytes);
 }
 
@@ -81,6 +54,7 @@ void CopyOntoItself(const void* pSrc, void* pDst, std::int64_t bytes) {
 }
 
 void CopyStreaming(const void* pSrc, void* pDst, std::int64_t bytes) {
+  using Run = Several<Half, 4>;
   constexpr std::int64_t kBlock = 0x40000;
   const Zov8u* src = static_cast<const Zov8u*>(pSrc);
   Zov8u* dst = static_cast<Zov8u*>(pDst);
@@ -94,10 +68,10 @@ void CopyStreaming(const void* pSrc, void* pDst, std::int64_t bytes) {
   while (end - dst >= kBlock) {
     Touch(src, kBlock);
     for (Zov8u* const blockEnd = dst + kBlock; dst < blockEnd; dst += 64, src += 64) {
-      StreamRun(src, dst);
+      Run::Load(src).Stream(dst);
     }
   }
-  for (; end - dst >= 64; dst += 64, src += 64) StreamRun(src, dst);
+  for (; end - dst >= 64; dst += 64, src += 64) Run::Load(src).Stream(dst);
   for (; end - dst >= 16; dst += 16, src += 16) Half::Load(src).Stream(dst);
   last.Store(end - 16);
   first.Store(begin);
@@ -110,13 +84,13 @@ void CopyByStringMove(const void* pSrc, void* pDst, std::int64_t bytes) {
   const std::uintptr_t apart =
       reinterpret_cast<std::uintptr_t>(src) ^ reinterpret_cast<std::uintptr_t>(dst);
   if (apart % 8 == 0) {
-    MoveString<std::uint64_t>(src, dst, bytes);
+    MoveUnits<std::uint64_t>(src, dst, bytes);
   } else if (apart % 4 == 0) {
-    MoveString<Zov32u>(src, dst, bytes);
+    MoveUnits<Zov32u>(src, dst, bytes);
   } else if (apart % 2 == 0) {
-    MoveString<Zov16u>(src, dst, bytes);
+    MoveUnits<Zov16u>(src, dst, bytes);
   } else {
-    MoveString<Zov8u>(src, dst, bytes);
+    MoveUnits<Zov8u>(src, dst, bytes);
   }
 }
 
@@ -145,11 +119,11 @@ ZovStatus zovCopyBytes(const void* pSrc, void* pDst, std::int64_t bytes) {
   return zovStsNoErr;
 }
 
-ZovStatus zovsCopy_32f(const Zov32f* pSrc, Zov32f* pDst, int len) {
+ZOV_ON_CACHE_LINE ZovStatus zovsCopy_32f(const Zov32f* pSrc, Zov32f* pDst, int len) {
   return CopyElements(pSrc, pDst, len);
 }
 
-ZovStatus zovsCopy_64f(const Zov64f* pSrc, Zov64f* pDst, int len) {
+ZOV_ON_CACHE_LINE ZovStatus zovsCopy_64f(const Zov64f* pSrc, Zov64f* pDst, int len) {
   return CopyElements(pSrc, pDst, len);
 }
 

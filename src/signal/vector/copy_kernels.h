@@ -15,84 +15,112 @@ inline constexpr std::int64_t kStringMoveFloor = 32768;
 // The largest piece whose bytes fit a signed 32-bit count, in whole vectors.
 inline constexpr std::int64_t kLargestPiece = 0x7FFFFFE0;
 
+// N vectors in a row, held in registers between their loads and their stores.
+template <class V, int N>
+struct Several {
+  static constexpr int kBytes = N * V::kBytes;
+  V vector[N];
+
+  static ZOV_INLINE Several Load(const Zov8u* p) {
+    Several r;
+    for (int i = 0; i < N; ++i) r.vector[i] = V::Load(p + i * V::kBytes);
+    return r;
+  }
+  ZOV_INLINE void Store(Zov8u* p) const {
+    for (int i = 0; i < N; ++i) vector[i].Store(p + i * V::kBytes);
+  }
+  ZOV_INLINE void StoreAligned(Zov8u* p) const {
+    for (int i = 0; i < N; ++i) vector[i].StoreAligned(p + i * V::kBytes);
+  }
+  ZOV_INLINE void Stream(Zov8u* p) const {
+    for (int i = 0; i < N; ++i) vector[i].Stream(p + i * V::kBytes);
+  }
+};
+using Pass = Several<Chunk, kPass / Chunk::kBytes>;
+
 template <class T>
+struct Scalar {
+  static constexpr int kBytes = sizeof(T);
+  T x;
+  static ZOV_INLINE Scalar Load(const Zov8u* p) { return {Get<T>(p)}; }
+  ZOV_INLINE void Store(Zov8u* p) const { Put(p, x); }
+};
+
+// One to two times V::kBytes: the two ends, which meet or overlap.
+template <class V>
 ZOV_INLINE void CopyEnds(const Zov8u* src, Zov8u* dst, std::int64_t bytes) {
-  constexpr int kBytes = sizeof(T);
-  const T first = Get<T>(src);
-  const T last = Get<T>(src + bytes - kBytes);
-  Put(dst, first);
-  Put(dst + bytes - kBytes, last);
+  const V first = V::Load(src);
+  const V last = V::Load(src + bytes - V::kBytes);
+  first.Store(dst);
+  last.Store(dst + bytes - V::kBytes);
 }
 
+// Fewer than 16 bytes.
 ZOV_INLINE void CopyShort(const Zov8u* src, Zov8u* dst, std::int64_t bytes) {
   if (bytes >= 8) {
-    CopyEnds<std::uint64_t>(src, dst, bytes);
+    CopyEnds<Scalar<std::uint64_t>>(src, dst, bytes);
   } else if (bytes >= 4) {
-    CopyEnds<Zov32u>(src, dst, bytes);
+    CopyEnds<Scalar<Zov32u>>(src, dst, bytes);
   } else if (bytes >= 2) {
-    CopyEnds<Zov16u>(src, dst, bytes);
+    CopyEnds<Scalar<Zov16u>>(src, dst, bytes);
   } else if (bytes == 1) {
     *dst = *src;
   }
 }
 
-// One pass, held in registers between its loads and its stores.
-struct Pass {
-  static constexpr int kChunks = kPass / Chunk::kBytes;
-  Chunk chunk[kChunks];
+// Up to two passes: no loop.
+ZOV_INLINE void CopyUpToTwoPasses(const Zov8u* src, Zov8u* dst, std::int64_t bytes) {
+  if (bytes > kPass) [[likely]] {
+    CopyEnds<Pass>(src, dst, bytes);
+  } else if (bytes > 2 * Chunk::kBytes) {
+    CopyEnds<Several<Chunk, 2>>(src, dst, bytes);
+  } else if (bytes > 32) {
+    CopyEnds<Chunk>(src, dst, bytes);
+  } else if (bytes >= 16) {
+    CopyEnds<Half>(src, dst, bytes);
+  } else {
+    CopyShort(src, dst, bytes);
+  }
+}
 
-  static ZOV_INLINE Pass Load(const Zov8u* p) {
-    Pass pass;
-    for (int i = 0; i < kChunks; ++i) pass.chunk[i] = Chunk::Load(p + i * Chunk::kBytes);
-    return pass;
-  }
-  ZOV_INLINE void Store(Zov8u* p) const {
-    for (int i = 0; i < kChunks; ++i) chunk[i].Store(p + i * Chunk::kBytes);
-  }
-  ZOV_INLINE void StoreAligned(Zov8u* p) const {
-    for (int i = 0; i < kChunks; ++i) chunk[i].StoreAligned(p + i * Chunk::kBytes);
-  }
-  ZOV_INLINE void Stream(Zov8u* p) const {
-    for (int i = 0; i < kChunks; ++i) chunk[i].Stream(p + i * Chunk::kBytes);
-  }
-};
-
-// Aligned stores between a first vector and a last pass that overlap them.
-ZOV_INLINE void CopyPlain(const Zov8u* src, Zov8u* dst, std::int64_t bytes) {
-  if (bytes <= kPass) {
-    if (bytes < 16) return CopyShort(src, dst, bytes);
-    if (bytes <= 32) return CopyEnds<Half>(src, dst, bytes);
-    if (bytes <= 2 * Chunk::kBytes) return CopyEnds<Chunk>(src, dst, bytes);
-    struct Two {
-      Chunk a, b;
-    };
-    return CopyEnds<Two>(src, dst, bytes);
-  }
-  const Chunk first = Chunk::Load(src);
+// More than two passes: aligned stores between a first and a last pass at any address that overlap
+// them.
+ZOV_INLINE void CopyPasses(const Zov8u* src, Zov8u* dst, std::int64_t bytes) {
+  const Pass first = Pass::Load(src);
   const Pass last = Pass::Load(src + bytes - kPass);
+  Zov8u* const firstDst = dst;
   Zov8u* const lastDst = dst + bytes - kPass;
-  Zov8u* const begin = dst;
-  const std::int64_t head = static_cast<std::int64_t>(BytesToAlign<Chunk::kBytes>(dst));
-  src += head;
-  dst += head;
+  const std::int64_t ahead =
+      kPass - static_cast<std::int64_t>(BytesPastAligned<Chunk::kBytes>(dst + kPass));
+  dst += ahead;
+  src += ahead;
   for (; dst < lastDst; dst += kPass, src += kPass) Pass::Load(src).StoreAligned(dst);
+  first.Store(firstDst);
   last.Store(lastDst);
-  first.Store(begin);
+}
+
+ZOV_INLINE void CopyPlain(const Zov8u* src, Zov8u* dst, std::int64_t bytes) {
+  if (bytes <= 2 * kPass) [[likely]]
+    return CopyUpToTwoPasses(src, dst, bytes);
+  CopyPasses(src, dst, bytes);
 }
 
 ZOV_INLINE void Copy(const void* pSrc, void* pDst, std::int64_t bytes) {
   const Zov8u* const src = static_cast<const Zov8u*>(pSrc);
   Zov8u* const dst = static_cast<Zov8u*>(pDst);
-  if constexpr (kLevel >= Level::avx) {
-    if (bytes >= kStringMoveFloor) return CopyInPieces(src, dst, bytes, kLargestPiece);
-  } else if constexpr (kLevel >= Level::sse3) {
-    if (BypassesCache(bytes, kFloors.copy)) return CopyStreaming(src, dst, bytes);
-  } else {
+  if constexpr (kLevel == Level::sse2) {
     const std::uintptr_t ahead =
         reinterpret_cast<std::uintptr_t>(dst) - reinterpret_cast<std::uintptr_t>(src);
     if (ahead - 1 < static_cast<std::uintptr_t>(bytes) - 1) return CopyOntoItself(src, dst, bytes);
   }
-  CopyPlain(src, dst, bytes);
+  if (bytes <= 2 * kPass) [[likely]]
+    return CopyUpToTwoPasses(src, dst, bytes);
+  if constexpr (kLevel >= Level::avx) {
+    if (bytes >= kStringMoveFloor) return CopyInPieces(src, dst, bytes, kLargestPiece);
+  } else {
+    if (BypassesCache(bytes, kFloors.copy)) return CopyStreaming(src, dst, bytes);
+  }
+  CopyPasses(src, dst, bytes);
 }
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

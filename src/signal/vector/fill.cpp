@@ -2,6 +2,7 @@
 #include "signal/vector/fill.h"
 
 #include "signal/vector/fill_kernels.h"
+#include "signal/vector/string_instructions.h"
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
@@ -15,7 +16,32 @@ ZOV_INLINE Zov8u* PutPiece(Zov8u* dst, std::int64_t rest, T piece) {
   return dst + kBytes;
 }
 
+// Ordinary stores once more, but by the instruction that knows how much is to come: beyond the
+// last-level cache it clears about three times as fast as a loop, and fills as fast.
+ZOV_INLINE void FillByStringStore(Half pattern, Zov8u* dst, std::int64_t bytes) {
+  const Chunk wide = TwiceIfWider(pattern);
+  Zov8u* const end = dst + bytes;
+  PutPass<false>(wide, dst);
+  dst += BytesToAlign<64>(dst);
+  StringStore(dst, static_cast<std::uint64_t>(pattern.v[0]), (end - dst) / 8);
+  PutPass<false>(wide, end - kPass);
+}
+
 }  // namespace
+
+void FillLarge(Half pattern, Zov8u* dst, std::int64_t bytes, std::int64_t floor, int elementBytes) {
+  const bool aligned =
+      (reinterpret_cast<std::uintptr_t>(dst) & static_cast<std::uintptr_t>(elementBytes - 1)) == 0;
+  if (!aligned) {
+    FillPasses<false>(TwiceIfWider(pattern), dst, bytes);
+  } else if (BypassesCache(bytes, floor)) {
+    FillStreaming(&pattern, dst, bytes);
+  } else if (kLevel >= Level::avx && elementBytes <= 8) {
+    FillByStringStore(pattern, dst, bytes);
+  } else {
+    FillPasses<true>(TwiceIfWider(pattern), dst, bytes);
+  }
+}
 
 void FillStreaming(const void* pPattern, void* pDst, std::int64_t bytes) {
   const Half half = Half::Load(pPattern);

@@ -9,6 +9,10 @@
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
+// What is rare among fills, out of line: very large ones, which may bypass the cache, and those of
+// elements that are not aligned on their own size, whose stores cannot be aligned.
+void FillLarge(Half pattern, Zov8u* dst, std::int64_t bytes, std::int64_t floor, int elementBytes);
+
 // Fewer than 16 bytes: two stores that meet or overlap.
 template <int kElementBytes>
 ZOV_INLINE void FillShort(Chunk pattern, Zov8u* dst, std::int64_t bytes) {
@@ -29,7 +33,7 @@ ZOV_INLINE void FillShort(Chunk pattern, Zov8u* dst, std::int64_t bytes) {
 }
 
 template <bool kAligned>
-ZOV_INLINE void PutChunks(Chunk pattern, Zov8u* dst) {
+ZOV_INLINE void PutPass(Chunk pattern, Zov8u* dst) {
   for (int i = 0; i < kPass; i += Chunk::kBytes) {
     if constexpr (kAligned) {
       pattern.StoreAligned(dst + i);
@@ -39,46 +43,48 @@ ZOV_INLINE void PutChunks(Chunk pattern, Zov8u* dst) {
   }
 }
 
-// Ordinary stores. kElementBytes is the period of the pattern.
-template <int kElementBytes>
-ZOV_INLINE void FillPlain(Chunk pattern, Zov8u* dst, std::int64_t bytes) {
-  Zov8u* const end = dst + bytes;
-  if (bytes <= kPass) {
-    if (kElementBytes < 16 && bytes < 16) {
-      FillShort<kElementBytes>(pattern, dst, bytes);
-    } else if (bytes <= 32) {
-      if (kElementBytes == 16 && bytes == 0) return;
-      LowHalf(pattern).Store(dst);
-      LowHalf(pattern).Store(end - 16);
-    } else {
-      pattern.Store(dst);
-      pattern.Store(end - Chunk::kBytes);
-      if (bytes > 2 * Chunk::kBytes) {
-        pattern.Store(dst + Chunk::kBytes);
-        pattern.Store(end - 2 * Chunk::kBytes);
-      }
-    }
-    return;
-  }
-  // The last pass, at the end whatever its alignment, covers what the loop leaves.
-  Zov8u* const lastPass = end - kPass;
-  if (kLevel == Level::sse2 || !IsAligned<kElementBytes>(dst)) {
-    for (; dst < lastPass; dst += kPass) PutChunks<false>(pattern, dst);
-  } else {
-    pattern.Store(dst);
-    dst += BytesToAlign<Chunk::kBytes>(dst);
-    for (; dst < lastPass; dst += kPass) PutChunks<true>(pattern, dst);
-  }
-  PutChunks<false>(pattern, lastPass);
+// More than one pass, by ordinary stores. The first and the last pass lie at any address and
+// overlap the aligned ones between them.
+template <bool kAligned>
+ZOV_INLINE void FillPasses(Chunk pattern, Zov8u* dst, std::int64_t bytes) {
+  Zov8u* const lastPass = dst + bytes - kPass;
+  PutPass<false>(pattern, dst);
+  dst += kPass;
+  if constexpr (kAligned) dst -= BytesPastAligned<Chunk::kBytes>(dst);
+  for (; dst < lastPass; dst += kPass) PutPass<kAligned>(pattern, dst);
+  PutPass<false>(pattern, lastPass);
 }
 
+// The floor level has no aligned plan: its unaligned stores save the test.
+inline constexpr bool kAlignsFills = kLevel != Level::sse2;
+
+// Fills with a pattern that repeats every kElementBytes. `floor` is the size from which stores may
+// bypass the cache.
 template <int kElementBytes>
 ZOV_INLINE void Fill(Chunk pattern, void* pDst, std::int64_t bytes, std::int64_t floor) {
   Zov8u* const dst = static_cast<Zov8u*>(pDst);
-  if (IsAligned<kElementBytes>(dst) && BypassesCache(bytes, floor)) {
-    FillStreaming(&pattern, dst, bytes);
-  } else {
-    FillPlain<kElementBytes>(pattern, dst, bytes);
+  Zov8u* const end = dst + bytes;
+  if (bytes > 2 * kPass) [[unlikely]] {
+    if (kAlignsFills && (bytes >= floor || !IsAligned<kElementBytes>(dst))) {
+      FillLarge(LowHalf(pattern), dst, bytes, floor, kElementBytes);
+    } else {
+      FillPasses<kAlignsFills>(pattern, dst, bytes);
+    }
+  } else if (bytes > kPass) [[likely]] {
+    PutPass<false>(pattern, dst);
+    PutPass<false>(pattern, end - kPass);
+  } else if (bytes > 32) {
+    pattern.Store(dst);
+    pattern.Store(end - Chunk::kBytes);
+    if (bytes > 2 * Chunk::kBytes) {
+      pattern.Store(dst + Chunk::kBytes);
+      pattern.Store(end - 2 * Chunk::kBytes);
+    }
+  } else if (bytes >= 16) {
+    LowHalf(pattern).Store(dst);
+    LowHalf(pattern).Store(end - 16);
+  } else if (kElementBytes < 16) {
+    FillShort<kElementBytes>(pattern, dst, bytes);
   }
 }
 

@@ -38,6 +38,17 @@ ZOV_INLINE Chunk PatternOf(T x) {
   return As<std::int64_t>(Vec<T, Chunk::kBytes / static_cast<int>(sizeof(T))>::Broadcast(x));
 }
 
-ZOV_INLINE Half LowHalf(Chunk a) { return {Half::Native{a.v[0], a.v[1]}}; }
+template <int kAlignment>
+ZOV_INLINE std::uintptr_t BytesPastAligned(const void* p) {
+  return reinterpret_cast<std::uintptr_t>(p) & (kAlignment - 1);
+}
+
+ZOV_INLINE Half LowHalf(Chunk a) {
+#if defined(__AVX__)
+  return {(Half::Native)_mm256_castsi256_si128((__m256i)a.v)};
+#else
+  return a;
+#endif
+}
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

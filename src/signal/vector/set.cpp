@@ -17,10 +17,16 @@ ZOV_INLINE ZovStatus Set(T val, T* pDst, int len) {
 
 }  // namespace
 
-ZovStatus zovsSet_8u(Zov8u val, Zov8u* pDst, int len) { return Set(val, pDst, len); }
+ZOV_ON_CACHE_LINE ZovStatus zovsSet_8u(Zov8u val, Zov8u* pDst, int len) {
+  return Set(val, pDst, len);
+}
 
-ZovStatus zovsSet_32s(Zov32s val, Zov32s* pDst, int len) { return Set(val, pDst, len); }
+ZOV_ON_CACHE_LINE ZovStatus zovsSet_32s(Zov32s val, Zov32s* pDst, int len) {
+  return Set(val, pDst, len);
+}
 
-ZovStatus zovsSet_32f(Zov32f val, Zov32f* pDst, int len) { return Set(val, pDst, len); }
+ZOV_ON_CACHE_LINE ZovStatus zovsSet_32f(Zov32f val, Zov32f* pDst, int len) {
+  return Set(val, pDst, len);
+}
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

@@ -17,8 +17,8 @@ ZOV_INLINE ZovStatus Clear(T* pDst, int len) {
 
 }  // namespace
 
-ZovStatus zovsZero_32f(Zov32f* pDst, int len) { return Clear(pDst, len); }
+ZOV_ON_CACHE_LINE ZovStatus zovsZero_32f(Zov32f* pDst, int len) { return Clear(pDst, len); }
 
-ZovStatus zovsZero_64f(Zov64f* pDst, int len) { return Clear(pDst, len); }
+ZOV_ON_CACHE_LINE ZovStatus zovsZero_64f(Zov64f* pDst, int len) { return Clear(pDst, len); }
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

@@ -135,7 +135,7 @@ TEST(Fill, LargeSizesOnBothSidesOfTheFloors) {
         for (const int bytes : {floor - 16, floor, floor + 16}) {
           const std::size_t size = static_cast<std::size_t>(bytes);
           const auto expected = Expected(member.expected, member.elementBytes, size);
-          for (const std::size_t shift : {0u, 3u}) {
+          for (const std::size_t shift : {0u, 3u, 4u}) {
             std::uint8_t* const dst = array.At(size, Guard::after, shift);
             dst[-1] = 0x33;
             dst[0] = dst[size - 1] = 0x33;
