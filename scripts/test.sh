@@ -35,7 +35,7 @@ stage() {
   fi
 }
 
-stage packages 'scripts/install_deps.sh build test windows'
+stage packages 'scripts/install_deps.sh build test windows docs'
 
 stage format '
   git ls-files "*.c" "*.cpp" "*.h" | xargs clang-format --dry-run -Werror'
@@ -47,6 +47,10 @@ stage release '
 
 # Every export, at every level, on processors that have no more than that level.
 stage processors 'ctest --preset release --no-tests=error -L emulated'
+
+# The README's program against an installed and moved tree, and the comments of the header.
+stage install scripts/check_install.sh
+stage manual scripts/docs.sh
 
 # Unoptimised code is where inline functions come out of line and could be shared by levels.
 stage debug '
@@ -72,6 +76,7 @@ stage windows '
   cmake --build --preset windows
   export WINEPREFIX=$PWD/build/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
   /usr/lib/wine/wine64 wineboot --init
-  ctest --preset windows --no-tests=error'
+  ctest --preset windows --no-tests=error
+  scripts/check_install.sh windows'
 
 echo "$passed passed, 0 failed"

@@ -33,8 +33,9 @@
  * loaded. Results do not depend on the level except where a description says so; the descriptions
  * number the levels 0 to 6 in this order.
  *
- * No primitive keeps state between calls: all may run at the same time in several threads on
- * distinct outputs. None prints, aborts or raises an exception.
+ * No primitive keeps state between calls other than in a state object of its caller: all may run at
+ * the same time in several threads on distinct outputs and state objects. None prints, aborts or
+ * raises an exception.
  */
 #ifndef KELOZOV_KELOZOV_H
 #define KELOZOV_KELOZOV_H
