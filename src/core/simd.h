@@ -89,6 +89,7 @@ struct Vec {
   friend ZOV_INLINE Vec operator&(Vec a, Vec b) { return FromBits(a.Bits() & b.Bits()); }
   friend ZOV_INLINE Vec operator|(Vec a, Vec b) { return FromBits(a.Bits() | b.Bits()); }
   friend ZOV_INLINE Vec operator^(Vec a, Vec b) { return FromBits(a.Bits() ^ b.Bits()); }
+  friend ZOV_INLINE Vec operator~(Vec a) { return FromBits(~a.Bits()); }
 
   // Lane masks: all ones where the relation holds.
   friend ZOV_INLINE Mask operator<(Vec a, Vec b) {

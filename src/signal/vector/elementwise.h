@@ -4,8 +4,10 @@
 //
 // An operation is a type that takes one vector of each source and returns the destination's vector:
 //   Vec<float, N> operator()(Vec<float, N> a, Vec<float, N> b) const;
-// One that decides for a whole block takes a Pack of K vectors of each source instead, in a
-// template function Block; it may keep a flag, as every lane that it sees holds an element.
+// One that decides for several vectors at once has kVectors, their number, and instead
+//   template <int K, class... Load> Pack<Vec<float, N>, K> Block(Load... load);
+// for K of kVectors or 1, where load(k) gives vector k of a source, again if need be. It may keep a
+// flag, as every lane that it sees holds an element.
 #pragma once
 
 #include <cstddef>
@@ -19,7 +21,11 @@ namespace zov::ZOV_LEVEL_NAMESPACE {
 // Keeps the compiler from replacing a loop's counter by others, which cost more than they save.
 ZOV_INLINE void KeepInRegister(std::ptrdiff_t& i) { asm("" : "+r"(i)); }
 
-// K vectors that an operation takes at once.
+// Before the slow path of a block: what it needs is loaded again, so that no register holds it for
+// a case that hardly occurs.
+ZOV_INLINE void LoadAgain() { asm volatile("" ::: "memory"); }
+
+// K vectors that an operation makes at once.
 template <class V, int K>
 struct Pack {
   V v[K];
@@ -98,8 +104,12 @@ struct Elementwise {
   using Lanes = typename LanesOf<T, N>::Type;
   using Index = std::ptrdiff_t;
 
-  static constexpr int K = 4;
-  static constexpr bool kHasBlock = requires(Op op, Pack<Lanes<Src>, K>... p) { op.Block(p...); };
+  // Vectors in a pass of the main block.
+  static constexpr int K = [] {
+    if constexpr (requires { Op::kVectors; }) return Op::kVectors;
+    return 4;
+  }();
+  static constexpr bool kHasBlock = requires { Op::kVectors; };
   static constexpr int kAlignment =
       DstLanes::kBytes < kFloatVectorBytes ? DstLanes::kBytes : kFloatVectorBytes;
   // Up to here an aligned destination gains less than the head costs.
@@ -115,12 +125,8 @@ struct Elementwise {
       kAligned ? v.StoreAligned(p) : v.Store(p);
     };
     if constexpr (kHasBlock) {
-      const auto loadAll = [&]<class T>(const T* p) __attribute__((always_inline)) {
-        Pack<Lanes<T>, K> pack;
-        Unroll<K>([&](int k) __attribute__((always_inline)) { pack.v[k] = load(p + k * N); });
-        return pack;
-      };
-      const Pack<DstLanes, K> result = op.Block(loadAll(src)...);
+      const Pack<DstLanes, K> result = op.template Block<K>([&](
+          int k) __attribute__((always_inline)) { return load(src + k * N); }...);
       Unroll<K>([&](int k) __attribute__((always_inline)) { store(result.v[k], dst + k * N); });
     } else {
       Unroll<K>([&](int k) __attribute__((always_inline)) {
@@ -136,7 +142,10 @@ struct Elementwise {
       const Index last = n - kPiece;
       DstLanes result;
       if constexpr (kHasBlock) {
-        result = op.Block(Pack<Lanes<Src>, 1>{{LoadFew<kPiece>(src, src + last)}}...).v[0];
+        result = op.template Block<1>([=](int) __attribute__((always_inline)) {
+                     return LoadFew<kPiece>(src, src + last);
+                   }...)
+                     .v[0];
       } else {
         result = op(LoadFew<kPiece>(src, src + last)...);
       }

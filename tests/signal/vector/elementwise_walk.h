@@ -2,6 +2,7 @@
 // reference that gives one element.
 #pragma once
 
+#include <bit>
 #include <cstring>
 #include <functional>
 #include <random>
@@ -45,11 +46,15 @@ T AnyNumber(std::mt19937& random) {
   }
 }
 
+// The float of the low 32 bits.
+inline float FloatOf(std::uint64_t bits) {
+  return std::bit_cast<float>(static_cast<std::uint32_t>(bits));
+}
+
 // Distance of two finite numbers of one sign in units of the last place.
 inline std::int64_t UlpsBetween(float a, float b) {
-  std::int32_t x, y;
-  std::memcpy(&x, &a, sizeof x);
-  std::memcpy(&y, &b, sizeof y);
+  const auto x = std::bit_cast<std::int32_t>(a);
+  const auto y = std::bit_cast<std::int32_t>(b);
   return x > y ? std::int64_t{x} - y : std::int64_t{y} - x;
 }
 
