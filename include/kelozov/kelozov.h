@@ -622,10 +622,10 @@ KELO_API ZovStatus Kelo_zovsMulC_64f_I(Zov64f val, Zov64f* pSrcDst, int len);
  * @brief pDst[i] = pSrc2[i] / pSrc1[i].
  * The second source is divided by the first. Where the divisor is zero, of either sign: +infinity
  * for a dividend above 0, -infinity for one below 0, otherwise the NaN 0xFFC00000; and the status
- * is
- * ::zovStsDivByZeroWrn. At level 0 each quotient is correctly rounded. At levels 1 to 6 it comes
- * from the reciprocal approximation of the processor with a refinement, and may differ in the last
- * bit; where the two could differ by more, the exact division runs.
+ * is ::zovStsDivByZeroWrn. At level 0, and at every level when an array is not aligned to 4 bytes,
+ * each quotient is correctly rounded. At levels 1 to 6 some quotients come from the reciprocal
+ * approximation of the processor with a refinement, within 2.5 units in the last place; where it
+ * would be worse, the exact division runs.
  * @param pSrc1 divisor, @p len elements
  * @param pSrc2 dividend, @p len elements
  * @param pDst destination, @p len elements; may equal a source
@@ -663,6 +663,7 @@ KELO_API ZovStatus Kelo_zovsDivC_32f_I(Zov32f val, Zov32f* pSrcDst, int len);
  * @brief pDst[i] = val / pSrc[i].
  * Where the divisor is zero, of either sign: +infinity for a val above 0, -infinity for one below
  * 0, otherwise the NaN 0xFFC00000; and the status is ::zovStsDivByZeroWrn.
+ * Other quotients are correctly rounded at every level. A val of -0 counts as +0.
  * @param pSrc source, @p len elements
  * @param val dividend
  * @param pDst destination, @p len elements; may equal the source
