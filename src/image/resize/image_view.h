@@ -41,6 +41,75 @@ ZOV_INLINE void CopyBytes(const Zov8u* src, Zov8u* dst, std::int64_t bytes) {
   for (; i < bytes; ++i) dst[i] = src[i];
 }
 
+// Writes rows of vectors. A large image bypasses the cache, except for the ends of its rows, where
+// pixels at the image edge are written once more. Streaming needs rows on vector boundaries.
+class RowWriter {
+ public:
+  RowWriter(Zov8u* row, std::int64_t bytes, bool streams)
+      : row_(row), streamBegin_(streams ? kRowEnd : bytes), streamEnd_(bytes - kRowEnd) {}
+
+  template <class V>
+  ZOV_INLINE void Write(V v, std::int64_t i) const {
+    if (i >= streamBegin_ && i < streamEnd_) {
+      v.Stream(row_ + i);
+    } else {
+      v.Store(row_ + i);
+    }
+  }
+  Zov8u* At(std::int64_t i) const { return row_ + i; }
+
+  // Whether an image is large enough to bypass the cache, and can.
+  static bool Suits(const Zov8u* row, std::ptrdiff_t step, std::int64_t rowBytes, int rows) {
+    constexpr std::int64_t kLargeImage = 4 << 20;
+    constexpr std::uintptr_t kMask = kFloatVectorBytes - 1;
+    const std::uintptr_t places =
+        reinterpret_cast<std::uintptr_t>(row) | static_cast<std::uintptr_t>(step);
+    return rowBytes * rows >= kLargeImage && (places & kMask) == 0;
+  }
+
+ private:
+  static constexpr std::int64_t kRowEnd = 64;
+
+  Zov8u* row_;
+  std::int64_t streamBegin_;
+  std::int64_t streamEnd_;
+};
+
+// Writes the first `count` bytes of a vector, fewer than all.
+template <class V>
+ZOV_INLINE void StoreFirst(V v, Zov8u* dst, std::int64_t count) {
+  __m128i rest = _mm_setzero_si128();
+#if defined(__AVX__)
+  if constexpr (V::kBytes == 32) {
+    const __m256i bits = (__m256i)v.v;
+    rest = _mm256_castsi256_si128(bits);
+    if ((count & 16) != 0) {
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(dst), rest);
+      dst += 16;
+      rest = _mm256_extractf128_si256(bits, 1);
+    }
+  }
+#endif
+  if constexpr (V::kBytes == 16) rest = (__m128i)v.v;
+  if ((count & 8) != 0) {
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(dst), rest);
+    dst += 8;
+    rest = _mm_srli_si128(rest, 8);
+  }
+  if ((count & 4) != 0) {
+    StoreAs(dst, _mm_cvtsi128_si32(rest));
+    dst += 4;
+    rest = _mm_srli_si128(rest, 4);
+  }
+  int word = _mm_cvtsi128_si32(rest);
+  if ((count & 2) != 0) {
+    StoreAs(dst, static_cast<std::int16_t>(word));
+    dst += 2;
+    word >>= 16;
+  }
+  if ((count & 1) != 0) *dst = static_cast<Zov8u>(word);
+}
+
 // Hands out consecutive regions, each on the boundary that the level's vectors like. The size that
 // callers are told to provide covers the rounding of the first one.
 class WorkArena {

@@ -2,15 +2,21 @@
 #pragma once
 
 #include "core/level.h"
+#include "kelozov/kelozov.h"
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
-// Holds one line for each of kTaps consecutive source rows; a row's slot is its number modulo
-// kTaps. Rows are asked for in rising order, so each is resampled at most once, and a row that
-// nothing asks for is not resampled at all.
+// Holds one line for each of kTaps consecutive source rows; a row's slot is its number modulo kTaps.
+// Rows are asked for in rising order, so each is resampled at most once, and a row that nothing asks
+// for is not resampled at all.
 template <int kTaps, class Line>
 class LineRing {
  public:
+  struct Entry {
+    Line* line;
+    bool isNew;  // the caller is to fill it
+  };
+
   LineRing(Line* lines, std::int64_t stride) {
     for (int slot = 0; slot < kTaps; ++slot) {
       lines_[slot] = lines + slot * stride;
@@ -18,20 +24,25 @@ class LineRing {
     }
   }
 
-  // The line of a source row; resample(row, line) fills it when it is new.
-  template <class Resample>
-  ZOV_INLINE const Line* Get(int row, Resample resample) {
+  ZOV_INLINE Entry Get(int row) {
     const int slot = row % kTaps;
-    if (rows_[slot] != row) {
-      resample(row, lines_[slot]);
-      rows_[slot] = row;
-    }
-    return lines_[slot];
+    const bool isNew = rows_[slot] != row;
+    rows_[slot] = row;
+    return {lines_[slot], isNew};
   }
 
  private:
   Line* lines_[kTaps];
   int rows_[kTaps];
+};
+
+// The two lines of a bilinear row. A source row that is given is still to be resampled into its line.
+template <class Line>
+struct LinePair {
+  const Zov8u* upperRow;
+  const Zov8u* lowerRow;
+  Line* upper;
+  Line* lower;
 };
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

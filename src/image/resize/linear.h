@@ -46,22 +46,36 @@ class LinearResize {
  public:
   LinearResize(SourceView src, TargetView dst, const ResizeGeometry& geometry, Zov8u* workBuffer)
       : src_(src),
-        dst_{dst.origin + geometry.x.first * kPixelBytes, dst.step},
+        dst_{dst.Row(geometry.y.first) + geometry.x.first * kPixelBytes, dst.step},
         x_(geometry.x),
         y_(geometry.y),
+        rowBytes_(std::int64_t{geometry.x.count} * kPixelBytes),
+        streams_(RowWriter::Suits(dst_.origin, dst_.step, rowBytes_, geometry.y.count)),
         arena_(workBuffer),
-        kernel_(&arena_, x_.axis, x_.bands.near, x_.interior),
+        kernel_(&arena_, x_.axis, x_.bands),
         lines_(arena_.Take<Line>(2 * kernel_.LineLength())) {}
 
   void Run() {
     BandRows(0, y_.bands.near, 0);
     InnerRows();
     BandRows(y_.axis.count - y_.bands.far, y_.bands.far, y_.axis.extent - 1);
+    if (streams_) _mm_sfence();
   }
 
  private:
-  Zov8u* Target(int row) const { return dst_.Row(y_.axis.first + row); }
-  Zov8u* InnerTarget(int row) const { return Target(row) + x_.bands.near * kPixelBytes; }
+  // A written row of the interior: its upper source row and the weight of the lower one.
+  struct RowSample {
+    std::int32_t srcY;
+    Weight weight;
+  };
+  RowSample SampleRow(int row) const {
+    std::int32_t srcY;
+    double fraction;
+    LinearSamples(y_.axis, row, 1, &srcY, &fraction);
+    return {srcY, Kernel::MakeWeight(fraction)};
+  }
+
+  RowWriter Writer(int row) const { return RowWriter(dst_.Row(row), rowBytes_, streams_); }
   const Zov8u* LastPixel(const Zov8u* srcRow) const {
     return srcRow + static_cast<std::int64_t>(x_.axis.extent - 1) * kPixelBytes;
   }
@@ -72,14 +86,15 @@ class LinearResize {
     const Zov8u* const srcRow = src_.Row(srcY);
     if (x_.interior > 0) kernel_.ResampleBand(srcRow, lines_);
     for (int row = first; row < first + count; ++row) {
+      if (x_.interior > 0) kernel_.StoreBand(lines_, Writer(row));
       BandColumns(srcRow, srcRow, Weight{}, row);
-      if (x_.interior > 0) kernel_.StoreBand(lines_, InnerTarget(row));
     }
   }
 
-  // Columns beyond the first or last source column: that column alone, between two rows.
+  // Columns beyond the first or last source column: that column alone, between two rows. The row
+  // kernels have written something there.
   void BandColumns(const Zov8u* upper, const Zov8u* lower, Weight weight, int row) const {
-    Zov8u* const target = Target(row);
+    Zov8u* const target = dst_.Row(row);
     if (x_.bands.near > 0) BandRun(upper, lower, weight, target, x_.bands.near);
     if (x_.bands.far > 0) {
       BandRun(LastPixel(upper), LastPixel(lower), weight,
@@ -93,37 +108,65 @@ class LinearResize {
     T pixel[kChannels];
     for (int c = 0; c < kChannels; ++c) {
       constexpr int kElement = sizeof(T);
-      pixel[c] =
-          Kernel::Between(LoadAs<T>(upper + c * kElement), LoadAs<T>(lower + c * kElement), weight);
+      pixel[c] = Kernel::Between(LoadAs<T>(upper + c * kElement), LoadAs<T>(lower + c * kElement),
+                                 weight);
     }
     FillPixels<T, kChannels>(pixel, target, count);
   }
 
   void InnerRows() {
+    if (y_.interior <= 0) return;
+    // Two rows between the same source rows share the passes over the lines, unless they overlap.
+    const bool rowsApart = dst_.step >= rowBytes_ || -dst_.step >= rowBytes_;
     LineRing<2, Line> ring(lines_, kernel_.LineLength());
-    const auto resample = [this](int srcY, Line* line) { kernel_.Resample(src_.Row(srcY), line); };
-    for (int i = 0; i < y_.interior; ++i) {
-      const int row = y_.bands.near + i;
-      std::int32_t srcY;
-      double fraction;
-      LinearSamples(y_.axis, row, 1, &srcY, &fraction);
-      const Weight weight = Kernel::MakeWeight(fraction);
-      BandColumns(src_.Row(srcY), src_.Row(srcY + 1), weight, row);
-      if (x_.interior <= 0) continue;
-      if (Kernel::IsUpperOnly(weight)) {
-        kernel_.StoreUpper(ring.Get(srcY, resample), InnerTarget(row));
-      } else {
-        const Line* const upper = ring.Get(srcY, resample);
-        const Line* const lower = ring.Get(srcY + 1, resample);
-        kernel_.Combine(upper, lower, weight, InnerTarget(row));
+    const int end = y_.bands.near + y_.interior;
+    RowSample next = SampleRow(y_.bands.near);
+    for (int row = y_.bands.near; row < end;) {
+      const RowSample first = next;
+      RowSample second = {-1, Weight{}};
+      if (row + 1 < end) next = SampleRow(row + 1);
+      const bool paired = row + 1 < end && rowsApart && next.srcY == first.srcY;
+      if (paired) {
+        second = next;
+        if (row + 2 < end) next = SampleRow(row + 2);
       }
+      if (x_.interior > 0) InnerRow(&ring, row, first, second, paired);
+      const Zov8u* const upper = src_.Row(first.srcY);
+      const Zov8u* const lower = src_.Row(first.srcY + 1);
+      BandColumns(upper, lower, first.weight, row);
+      if (paired) BandColumns(upper, lower, second.weight, row + 1);
+      row += paired ? 2 : 1;
+    }
+  }
+
+  void InnerRow(LineRing<2, Line>* ring, int row, const RowSample& first, const RowSample& second,
+                bool paired) const {
+    const auto upper = ring->Get(first.srcY);
+    const Zov8u* const upperRow = upper.isNew ? src_.Row(first.srcY) : nullptr;
+    if (!paired && Kernel::IsUpperOnly(first.weight)) {
+      if (upper.isNew) kernel_.Resample(upperRow, upper.line);
+      kernel_.StoreUpper(upper.line, Writer(row));
+      return;
+    }
+    const auto lower = ring->Get(first.srcY + 1);
+    const Zov8u* const lowerRow = lower.isNew ? src_.Row(first.srcY + 1) : nullptr;
+    const LinePair<Line> lines = {upperRow, lowerRow, upper.line, lower.line};
+    if (paired) {
+      const Weight weights[2] = {first.weight, second.weight};
+      const RowWriter writers[2] = {Writer(row), Writer(row + 1)};
+      kernel_.template Combine<2>(lines, weights, writers);
+    } else {
+      const RowWriter writer = Writer(row);
+      kernel_.template Combine<1>(lines, &first.weight, &writer);
     }
   }
 
   SourceView src_;
-  TargetView dst_;  // its origin moved to the first written column
+  TargetView dst_;  // from the first written pixel on
   LinearAxis x_;
   LinearAxis y_;
+  std::int64_t rowBytes_;
+  bool streams_;
   WorkArena arena_;
   Kernel kernel_;
   Line* lines_;

@@ -4,6 +4,7 @@
 
 #include "image/resize/byte_lanes.h"
 #include "image/resize/image_view.h"
+#include "image/resize/line_ring.h"
 #include "image/resize/samples.h"
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
@@ -11,7 +12,7 @@ namespace zov::ZOV_LEVEL_NAMESPACE {
 // How a lane of eight line elements (eight columns, or two pixels of four channels) finds its pairs
 // of taps: all in one window of 16 bytes, each half lane in a window of its own, or each pair of
 // pixels loaded by itself.
-enum class PairSource { window, halves, pairs };
+enum class PairSource { none, window, halves, pairs };
 
 template <int kChannels>
 class Linear8u {
@@ -28,16 +29,15 @@ class Linear8u {
   using Line = std::int16_t;
   using Weight = std::int32_t;  // of the lower row, in units of 1 / 16384
 
-  Linear8u(WorkArena* arena, const ResizeAxis& axis, int begin, int count)
-      : count_(count > 0 ? count : 0),
-        lanes_((count_ + kBlockColumns - 1) / kBlockColumns * kBlockLanes) {
-    if (count_ == 0) return;
+  Linear8u(WorkArena* arena, const ResizeAxis& axis, const ResizeBands& bands)
+      : count_(axis.count), lanes_((count_ + kBlockColumns - 1) / kBlockColumns * kBlockLanes) {
+    if (bands.near + bands.far >= count_) return;  // no row kernel runs
     const bool wide = kHasShuffle && axis.extent * std::int64_t{kChannels} >= kWindow;
-    if (wide && Build<PairSource::window>(arena, axis, begin)) return;
+    if (wide && Build<PairSource::window>(arena, axis, bands)) return;
     if constexpr (kChannels == 1) {
-      if (wide && Build<PairSource::halves>(arena, axis, begin)) return;
+      if (wide && Build<PairSource::halves>(arena, axis, bands)) return;
     }
-    Build<PairSource::pairs>(arena, axis, begin);
+    Build<PairSource::pairs>(arena, axis, bands);
   }
 
   std::int64_t LineLength() const { return std::int64_t{lanes_} * 8; }
@@ -57,32 +57,36 @@ class Linear8u {
     return static_cast<Zov8u>((p * (kFixedOne - weight) + q * weight + kFixedOne / 2) / kFixedOne);
   }
 
-  void Combine(const Line* upper, const Line* lower, Weight weight, Zov8u* dst) const {
-    // Four times the smaller weight, negated, fits a 16-bit lane, and the high half of its product
-    // with a difference of lines is the exact floor of the share of the other line.
-    const bool lowerWeighsMore = weight > kFixedOne / 2;
-    const Line* const a = lowerWeighsMore ? lower : upper;
-    const Line* const b = lowerWeighsMore ? upper : lower;
-    const int share = lowerWeighsMore ? kFixedOne - weight : weight;
-    const Words scale = Words::Broadcast(static_cast<std::int16_t>(-4 * share));
-    StoreRow(
-        dst, [ a, b, scale ](std::int64_t i) __attribute__((always_inline)) {
-          const Words upperWords = Words::LoadAligned(a + i);
-          return RoundLine(upperWords + MulHigh(upperWords - Words::LoadAligned(b + i), scale));
-        });
+  // Writes kRows rows between the same two source rows.
+  template <int kRows>
+  void Combine(const LinePair<Line>& lines, const Weight* weights, const RowWriter* writers) const {
+    if (lines.lowerRow == nullptr) {
+      if (lines.upperRow != nullptr) Resample(lines.upperRow, lines.upper);
+      return CombineLines<kRows, PairSource::none, PairSource::none>(lines, weights, writers);
+    }
+    switch (source_) {
+      case PairSource::window:
+        return CombineFrom<kRows, PairSource::window>(lines, weights, writers);
+      case PairSource::halves:
+        if constexpr (kChannels == 1) {
+          CombineFrom<kRows, PairSource::halves>(lines, weights, writers);
+        }
+        return;
+      default:
+        return CombineFrom<kRows, PairSource::pairs>(lines, weights, writers);
+    }
   }
 
-  void StoreUpper(const Line* line, Zov8u* dst) const {
-    StoreRow(
-        dst, [line](std::int64_t i) __attribute__((always_inline)) {
-          return RoundLine(Words::LoadAligned(line + i));
-        });
+  void StoreUpper(const Line* line, const RowWriter& writer) const {
+    StoreRow(writer, [line](std::int64_t i) __attribute__((always_inline)) {
+      return RoundLine(Words::LoadAligned(line + i));
+    });
   }
 
-  void StoreBand(const Line* line, Zov8u* dst) const {
-    StoreRow(
-        dst, [line](std::int64_t i)
-                 __attribute__((always_inline)) { return Words::LoadAligned(line + i); });
+  void StoreBand(const Line* line, const RowWriter& writer) const {
+    StoreRow(writer, [line](std::int64_t i) __attribute__((always_inline)) {
+      return Words::LoadAligned(line + i);
+    });
   }
 
  private:
@@ -107,14 +111,20 @@ class Linear8u {
     }
   }
 
+  struct Tables {
+    std::int32_t* bases;
+    Zov8u* controls;
+    std::int16_t* weights;
+  };
+
   // Fills the tables for one way to fetch the taps; false when some taps lie too far apart for it.
   template <PairSource kSource>
-  bool Build(WorkArena* arena, const ResizeAxis& axis, int begin) {
+  bool Build(WorkArena* arena, const ResizeAxis& axis, const ResizeBands& bands) {
     WorkArena trial = *arena;
     source_ = kSource;
-    bases_ = trial.Take<std::int32_t>(std::int64_t{lanes_} * BasesPerLane(kSource));
-    controls_ = trial.Take<Zov8u>(std::int64_t{lanes_} * ControlBytesPerLane(kSource));
-    weights_ = trial.Take<std::int16_t>(std::int64_t{lanes_} * kLaneWeights);
+    tables_.bases = trial.Take<std::int32_t>(std::int64_t{lanes_} * BasesPerLane(kSource));
+    tables_.controls = trial.Take<Zov8u>(std::int64_t{lanes_} * ControlBytesPerLane(kSource));
+    tables_.weights = trial.Take<std::int16_t>(std::int64_t{lanes_} * kLaneWeights);
     const int lastBase = axis.extent * kChannels - kWindow;
 
     std::int32_t index[kBlockColumns];
@@ -124,7 +134,7 @@ class Linear8u {
       const int column = lane * kLaneColumns;
       const int rest = count_ - column;
       const int filled = rest < kBlockColumns ? rest : kBlockColumns;
-      LinearSamples(axis, begin + column, filled, index, fraction);
+      LinearSamplesInImage(axis, bands, column, filled, index, fraction);
       FixedFractions(filled, fraction, fixed);
       for (int i = filled; i < kBlockColumns; ++i) {
         index[i] = index[filled - 1];
@@ -142,7 +152,7 @@ class Linear8u {
 
   template <PairSource kSource>
   bool SetLane(int lane, const std::int32_t* index, int lastBase) {
-    std::int32_t* const bases = bases_ + std::int64_t{lane} * BasesPerLane(kSource);
+    std::int32_t* const bases = tables_.bases + std::int64_t{lane} * BasesPerLane(kSource);
     if constexpr (kSource == PairSource::pairs) {
       for (int i = 0; i < kLaneColumns; ++i) bases[i] = index[i] * kChannels;
       return true;
@@ -170,12 +180,12 @@ class Linear8u {
   // Controls of the same window of the lanes of a vector lie side by side.
   Zov8u* Control(int lane, int window, int windows) const {
     const int vector = lane / kLanes;
-    return controls_ + (std::int64_t{vector} * windows + window) * Bytes::kBytes +
+    return tables_.controls + (std::int64_t{vector} * windows + window) * Bytes::kBytes +
            lane % kLanes * kWindow;
   }
 
   void SetWeights(int lane, const std::int32_t* fixed) {
-    std::int16_t* weights = weights_ + std::int64_t{lane} * kLaneWeights;
+    std::int16_t* weights = tables_.weights + std::int64_t{lane} * kLaneWeights;
     for (int i = 0; i < kLaneColumns; ++i) {
       for (int c = 0; c < kChannels; ++c) {
         if constexpr (kHasShuffle) {
@@ -190,32 +200,102 @@ class Linear8u {
   }
 
   template <bool kBand>
-  ZOV_INLINE void ResampleFrom(const Zov8u* row, Line* line) const {
+  void ResampleFrom(const Zov8u* row, Line* line) const {
     switch (source_) {
       case PairSource::window:
         return ResampleLanes<kBand, PairSource::window>(row, line);
       case PairSource::halves:
         if constexpr (kChannels == 1) ResampleLanes<kBand, PairSource::halves>(row, line);
         return;
-      case PairSource::pairs:
+      default:
         return ResampleLanes<kBand, PairSource::pairs>(row, line);
     }
   }
 
   template <bool kBand, PairSource kSource>
-  void ResampleLanes(const Zov8u* row, Line* line) const {
+  ZOV_INLINE void ResampleLanes(const Zov8u* row, Line* line) const {
+    const Tables tables = tables_;
+    const std::int64_t elements = LineLength();
+    for (std::int64_t i = 0; i < elements; i += Words::kLanes) {
+      ResampleAt<kBand, kSource>(tables, row, i).StoreAligned(line + i);
+    }
+  }
+
+  // A vector of the line of a source row, from element i on.
+  template <bool kBand, PairSource kSource>
+  static ZOV_INLINE Words ResampleAt(const Tables& tables, const Zov8u* row, std::int64_t i) {
     if constexpr (kHasShuffle || kSource == PairSource::pairs) {
-      const std::int32_t* bases = bases_;
-      const Zov8u* controls = controls_;
-      const std::int16_t* weights = weights_;
-      for (int lane = 0; lane < lanes_; lane += kLanes) {
-        const Bytes pairs = LoadPairs<kSource>(row, bases, controls);
-        Interpolate<kBand>(pairs, weights).StoreAligned(line);
-        bases += kLanes * BasesPerLane(kSource);
-        controls += kLanes * ControlBytesPerLane(kSource);
-        weights += kLanes * kLaneWeights;
-        line += Words::kLanes;
+      const Bytes pairs =
+          LoadPairs<kSource>(row, tables.bases + i / 8 * BasesPerLane(kSource),
+                             tables.controls + i / 8 * ControlBytesPerLane(kSource));
+      return Interpolate<kBand>(pairs, tables.weights + i / 8 * kLaneWeights);
+    } else {
+      return Words::Zero();
+    }
+  }
+
+  template <int kRows, PairSource kSource>
+  ZOV_INLINE void CombineFrom(const LinePair<Line>& lines, const Weight* weights,
+                              const RowWriter* writers) const {
+    if (lines.upperRow != nullptr) {
+      CombineLines<kRows, kSource, kSource>(lines, weights, writers);
+    } else {
+      CombineLines<kRows, PairSource::none, kSource>(lines, weights, writers);
+    }
+  }
+
+  // The vertical pass. Lines that are not there yet are resampled on the way.
+  template <int kRows, PairSource kUpper, PairSource kLower>
+  ZOV_NOINLINE void CombineLines(const LinePair<Line>& lines, const Weight* weights,
+                                 const RowWriter* writers) const {
+    Words scales[kRows];
+    for (int r = 0; r < kRows; ++r) {
+      scales[r] = Words::Broadcast(static_cast<std::int16_t>(-2 * weights[r]));
+    }
+    // Copies that no store can alias.
+    const LinePair<Line> source = lines;
+    const Tables tables = tables_;
+    const RowWriter first = writers[0];
+    const RowWriter second = writers[kRows - 1];
+    const std::int64_t bytes = std::int64_t{count_} * kChannels;
+    const auto block = [&](std::int64_t i, Bytes* out) __attribute__((always_inline)) {
+      Words words[kRows][2];
+      for (int half = 0; half < 2; ++half) {
+        const std::int64_t at = i + half * Words::kLanes;
+        const Words upper = LineAt<kUpper>(tables, source.upperRow, source.upper, at);
+        const Words lower = LineAt<kLower>(tables, source.lowerRow, source.lower, at);
+        // The high half of the product of twice a difference with twice a weight, both within 16
+        // bits, is the exact floor of the lower row's share.
+        const Words difference = upper - lower;
+        const Words twice = difference + difference;
+        for (int r = 0; r < kRows; ++r) {
+          words[r][half] = RoundLine(upper + MulHigh(twice, scales[r]));
+        }
       }
+      for (int r = 0; r < kRows; ++r) out[r] = PackSaturated(words[r][0], words[r][1]);
+    };
+    Bytes out[kRows];
+    std::int64_t i = 0;
+    for (; i + kBlockBytes <= bytes; i += kBlockBytes) {
+      block(i, out);
+      first.Write(out[0], i);
+      if constexpr (kRows == 2) second.Write(out[1], i);
+    }
+    if (i < bytes) {
+      block(i, out);
+      for (int r = 0; r < kRows; ++r) StoreFirst(out[r], writers[r].At(i), bytes - i);
+    }
+  }
+
+  template <PairSource kSource>
+  static ZOV_INLINE Words LineAt(const Tables& tables, const Zov8u* row, Line* line,
+                                 std::int64_t i) {
+    if constexpr (kSource == PairSource::none) {
+      return Words::LoadAligned(line + i);
+    } else {
+      const Words words = ResampleAt<false, kSource>(tables, row, i);
+      words.StoreAligned(line + i);
+      return words;
     }
   }
 
@@ -303,25 +383,21 @@ class Linear8u {
 
   // Writes the pixels of a row; words(i) gives the vector at element i of the line.
   template <class WordsAt>
-  ZOV_INLINE void StoreRow(Zov8u* dst, WordsAt words) const {
+  ZOV_INLINE void StoreRow(RowWriter writer, WordsAt words) const {
     const std::int64_t bytes = std::int64_t{count_} * kChannels;
     std::int64_t i = 0;
     for (; i + kBlockBytes <= bytes; i += kBlockBytes) {
-      PackSaturated(words(i), words(i + Words::kLanes)).Store(dst + i);
+      writer.Write(PackSaturated(words(i), words(i + Words::kLanes)), i);
     }
     if (i < bytes) {
-      alignas(32) Zov8u rest[kBlockBytes];
-      PackSaturated(words(i), words(i + Words::kLanes)).StoreAligned(rest);
-      for (int k = 0; i < bytes; ++i, ++k) dst[i] = rest[k];
+      StoreFirst(PackSaturated(words(i), words(i + Words::kLanes)), writer.At(i), bytes - i);
     }
   }
 
   int count_;
   int lanes_;
   PairSource source_ = PairSource::pairs;
-  std::int32_t* bases_ = nullptr;
-  Zov8u* controls_ = nullptr;
-  std::int16_t* weights_ = nullptr;
+  Tables tables_ = {};
 };
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

@@ -46,6 +46,25 @@ void LinearSamples(const ResizeAxis& axis, int begin, int count, std::int32_t* i
   }
 }
 
+void LinearSamplesInImage(const ResizeAxis& axis, const ResizeBands& bands, int begin, int count,
+                          std::int32_t* index, double* fraction) {
+  const int farBegin = axis.count - bands.far;
+  int i = 0;
+  for (; i < count && begin + i < bands.near; ++i) {
+    index[i] = 0;
+    fraction[i] = 0;
+  }
+  const int inner = (count < farBegin - begin ? count : farBegin - begin) - i;
+  if (inner > 0) {
+    LinearSamples(axis, begin + i, inner, index + i, fraction + i);
+    i += inner;
+  }
+  for (; i < count; ++i) {
+    index[i] = axis.extent - 2;
+    fraction[i] = 0;
+  }
+}
+
 void NearestSamples(const ResizeAxis& axis, int begin, int count, std::int32_t* index) {
   const double first = static_cast<double>(axis.first);
   const double shift = axis.offset - 1e-10;

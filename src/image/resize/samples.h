@@ -19,6 +19,11 @@ ResizeBands FindLinearBands(const ResizeAxis& axis);
 void LinearSamples(const ResizeAxis& axis, int begin, int count, std::int32_t* index,
                    double* fraction);
 
+// The same for pixels of the bands too, which get taps inside the image and no fraction. The axis
+// has an interior.
+void LinearSamplesInImage(const ResizeAxis& axis, const ResizeBands& bands, int begin, int count,
+                          std::int32_t* index, double* fraction);
+
 // Source pixel of `count` pixels from the pixel `begin` on.
 void NearestSamples(const ResizeAxis& axis, int begin, int count, std::int32_t* index);
 
