@@ -46,11 +46,17 @@ ZOV_INLINE void CopyBytes(const Zov8u* src, Zov8u* dst, std::int64_t bytes) {
 class RowWriter {
  public:
   RowWriter(Zov8u* row, std::int64_t bytes, bool streams)
-      : row_(row), streamBegin_(streams ? kRowEnd : bytes), streamEnd_(bytes - kRowEnd) {}
+      : row_(row),
+        streamed_(streams && bytes > 2 * kRowEnd ? static_cast<std::uint64_t>(bytes - 2 * kRowEnd)
+                                                 : 0) {}
+
+  ZOV_INLINE bool Streams(std::int64_t i) const {
+    return static_cast<std::uint64_t>(i - kRowEnd) < streamed_;
+  }
 
   template <class V>
   ZOV_INLINE void Write(V v, std::int64_t i) const {
-    if (i >= streamBegin_ && i < streamEnd_) {
+    if (Streams(i)) {
       v.Stream(row_ + i);
     } else {
       v.Store(row_ + i);
@@ -71,8 +77,7 @@ class RowWriter {
   static constexpr std::int64_t kRowEnd = 64;
 
   Zov8u* row_;
-  std::int64_t streamBegin_;
-  std::int64_t streamEnd_;
+  std::uint64_t streamed_;  // bytes from kRowEnd on
 };
 
 // Writes the first `count` bytes of a vector, fewer than all.

@@ -6,9 +6,9 @@
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
-// Holds one line for each of kTaps consecutive source rows; a row's slot is its number modulo kTaps.
-// Rows are asked for in rising order, so each is resampled at most once, and a row that nothing asks
-// for is not resampled at all.
+// Holds one line for each of kTaps consecutive source rows; a row's slot is its number modulo
+// kTaps. Rows are asked for in rising order, so each is resampled at most once, and a row that
+// nothing asks for is not resampled at all.
 template <int kTaps, class Line>
 class LineRing {
  public:
@@ -36,7 +36,8 @@ class LineRing {
   int rows_[kTaps];
 };
 
-// The two lines of a bilinear row. A source row that is given is still to be resampled into its line.
+// The two lines of a bilinear row. A source row that is given is still to be resampled into its
+// line.
 template <class Line>
 struct LinePair {
   const Zov8u* upperRow;

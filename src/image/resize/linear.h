@@ -108,8 +108,8 @@ class LinearResize {
     T pixel[kChannels];
     for (int c = 0; c < kChannels; ++c) {
       constexpr int kElement = sizeof(T);
-      pixel[c] = Kernel::Between(LoadAs<T>(upper + c * kElement), LoadAs<T>(lower + c * kElement),
-                                 weight);
+      pixel[c] =
+          Kernel::Between(LoadAs<T>(upper + c * kElement), LoadAs<T>(lower + c * kElement), weight);
     }
     FillPixels<T, kChannels>(pixel, target, count);
   }

@@ -78,15 +78,16 @@ class Linear8u {
   }
 
   void StoreUpper(const Line* line, const RowWriter& writer) const {
-    StoreRow(writer, [line](std::int64_t i) __attribute__((always_inline)) {
-      return RoundLine(Words::LoadAligned(line + i));
-    });
+    StoreRow(
+        writer, [line](std::int64_t i) __attribute__((always_inline)) {
+          return RoundLine(Words::LoadAligned(line + i));
+        });
   }
 
   void StoreBand(const Line* line, const RowWriter& writer) const {
-    StoreRow(writer, [line](std::int64_t i) __attribute__((always_inline)) {
-      return Words::LoadAligned(line + i);
-    });
+    StoreRow(
+        writer, [line](std::int64_t i)
+                    __attribute__((always_inline)) { return Words::LoadAligned(line + i); });
   }
 
  private:
@@ -226,9 +227,9 @@ class Linear8u {
   static ZOV_INLINE Words ResampleAt(const Tables& tables, const Zov8u* row, std::int64_t i) {
     if constexpr (kHasShuffle || kSource == PairSource::pairs) {
       const Bytes pairs =
-          LoadPairs<kSource>(row, tables.bases + i / 8 * BasesPerLane(kSource),
-                             tables.controls + i / 8 * ControlBytesPerLane(kSource));
-      return Interpolate<kBand>(pairs, tables.weights + i / 8 * kLaneWeights);
+          LoadPairs<kSource>(row, tables.bases + i / (8 / BasesPerLane(kSource)),
+                             tables.controls + i * (ControlBytesPerLane(kSource) / 8));
+      return Interpolate<kBand>(pairs, tables.weights + i * (kLaneWeights / 8));
     } else {
       return Words::Zero();
     }
@@ -258,7 +259,7 @@ class Linear8u {
     const RowWriter first = writers[0];
     const RowWriter second = writers[kRows - 1];
     const std::int64_t bytes = std::int64_t{count_} * kChannels;
-    const auto block = [&](std::int64_t i, Bytes* out) __attribute__((always_inline)) {
+    const auto block = [&](std::int64_t i, Bytes * out) __attribute__((always_inline)) {
       Words words[kRows][2];
       for (int half = 0; half < 2; ++half) {
         const std::int64_t at = i + half * Words::kLanes;
@@ -278,8 +279,13 @@ class Linear8u {
     std::int64_t i = 0;
     for (; i + kBlockBytes <= bytes; i += kBlockBytes) {
       block(i, out);
-      first.Write(out[0], i);
-      if constexpr (kRows == 2) second.Write(out[1], i);
+      if (first.Streams(i)) {
+        out[0].Stream(first.At(i));
+        if constexpr (kRows == 2) out[1].Stream(second.At(i));
+      } else {
+        out[0].Store(first.At(i));
+        if constexpr (kRows == 2) out[1].Store(second.At(i));
+      }
     }
     if (i < bytes) {
       block(i, out);

@@ -117,16 +117,18 @@ class LinearReal {
     const Line* const lower = lines.lower;
     for (int r = 0; r < kRows; ++r) {
       const V t = V::Broadcast(weights[r]);
-      StoreRow(writers[r], [upper, lower, t](std::int64_t i) __attribute__((always_inline)) {
-        return Lerp<true>(V::LoadAligned(upper + i), V::LoadAligned(lower + i), t);
-      });
+      StoreRow(
+          writers[r], [ upper, lower, t ](std::int64_t i) __attribute__((always_inline)) {
+            return Lerp<true>(V::LoadAligned(upper + i), V::LoadAligned(lower + i), t);
+          });
     }
   }
 
   void StoreUpper(const Line* line, const RowWriter& writer) const { StoreBand(line, writer); }
   void StoreBand(const Line* line, const RowWriter& writer) const {
-    StoreRow(writer, [line](std::int64_t i)
-                         __attribute__((always_inline)) { return V::LoadAligned(line + i); });
+    StoreRow(
+        writer, [line](std::int64_t i)
+                    __attribute__((always_inline)) { return V::LoadAligned(line + i); });
   }
 
  private:

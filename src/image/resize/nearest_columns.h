@@ -1,7 +1,6 @@
 // Row kernels of nearest neighbour: which source pixels a destination row copies.
 #pragma once
 
-#include "image/resize/byte_lanes.h"
 #include "image/resize/image_view.h"
 #include "image/resize/samples.h"
 
@@ -22,20 +21,38 @@ class NearestIndices {
 #endif
   }
 
-  void CopyRow(const Zov8u* src, Zov8u* dst) const {
+  void CopyRow(const Zov8u* src, RowWriter writer) const {
     std::int64_t i = 0;
 #if defined(__AVX2__)
     if constexpr (kPixel == 4) {
-      if (perWindow_ == 8) i = CopyWindows<8>(src, dst);
-      if (perWindow_ == 4) i = CopyWindows<4>(src, dst);
+      if (perWindow_ == 8) i = CopyWindows<8>(src, writer);
+      if (perWindow_ == 4) i = CopyWindows<4>(src, writer);
     }
 #endif
-    for (; i < count_; ++i) {
-      StoreAs(dst + i * kPixel, LoadAs<Pixel>(src + std::int64_t{index_[i]} * kPixel));
+    if constexpr (kPixel > 1) {
+      constexpr int kLanePixels = 16 / kPixel;
+      for (; i + kLanePixels <= count_; i += kLanePixels) {
+        writer.Write(Gather(src, index_ + i), i * kPixel);
+      }
     }
+    for (; i < count_; ++i) StoreAs(writer.At(i * kPixel), PixelAt(src, index_[i]));
   }
 
  private:
+  static ZOV_INLINE Pixel PixelAt(const Zov8u* src, std::int32_t x) {
+    return LoadAs<Pixel>(src + std::int64_t{x} * kPixel);
+  }
+  // A vector of 16 bytes from single pixels.
+  static ZOV_INLINE Vec128<Pixel> Gather(const Zov8u* src, const std::int32_t* index) {
+    using Lane = Vec128<Pixel>;
+    if constexpr (kPixel == 4) {
+      return Lane{typename Lane::Native{PixelAt(src, index[0]), PixelAt(src, index[1]),
+                                        PixelAt(src, index[2]), PixelAt(src, index[3])}};
+    } else {
+      return Lane{typename Lane::Native{PixelAt(src, index[0]), PixelAt(src, index[1])}};
+    }
+  }
+
 #if defined(__AVX2__)
   // Takes the most columns whose sources always lie within one vector.
   void ChooseWindow(int extent) {
@@ -53,22 +70,21 @@ class NearestIndices {
   }
 
   template <int kColumns>
-  ZOV_INLINE std::int64_t CopyWindows(const Zov8u* src, Zov8u* dst) const {
+  ZOV_INLINE std::int64_t CopyWindows(const Zov8u* src, const RowWriter& writer) const {
     std::int64_t i = 0;
     for (; i + kColumns <= count_; i += kColumns) {
       const int base = WindowOf(i);
       const __m256i window = Load256(src + std::int64_t{base} * 4);
       if constexpr (kColumns == 8) {
         const __m256i lanes = _mm256_sub_epi32(Load256(index_ + i), _mm256_set1_epi32(base));
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst + i * 4),
-                            _mm256_permutevar8x32_epi32(window, lanes));
+        using Pixels = VecI<std::int32_t>;
+        writer.Write(Pixels{(Pixels::Native)_mm256_permutevar8x32_epi32(window, lanes)}, i * 4);
       } else {
-        const __m128i lanes =
-            _mm_sub_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(index_ + i)),
-                          _mm_set1_epi32(base));
-        const __m256i pixels =
-            _mm256_permutevar8x32_epi32(window, _mm256_castsi128_si256(lanes));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + i * 4), _mm256_castsi256_si128(pixels));
+        const __m128i lanes = _mm_sub_epi32(
+            _mm_loadu_si128(reinterpret_cast<const __m128i*>(index_ + i)), _mm_set1_epi32(base));
+        const __m256i pixels = _mm256_permutevar8x32_epi32(window, _mm256_castsi128_si256(lanes));
+        using Pixels = Vec128<std::int32_t>;
+        writer.Write(Pixels{(Pixels::Native)_mm256_castsi256_si128(pixels)}, i * 4);
       }
     }
     return i;
@@ -89,13 +105,15 @@ class NearestIndices {
 #if defined(__SSSE3__)
 
 // Columns of 8-bit pixels by byte shuffles of 16-byte windows, each of which serves 16, 8 or 4
-// columns. Columns that lie farther apart are copied one by one.
+// columns. Columns that lie farther apart are copied one by one. Loads bound these kernels, so
+// wider vectors would gain nothing.
 class NearestBytes {
   static constexpr int kWindow = 16;
+  using Block = Vec128<std::uint8_t>;
 
  public:
   NearestBytes(WorkArena* arena, const ResizeAxis& axis)
-      : count_(axis.count), padded_((axis.count + Bytes::kBytes - 1) / Bytes::kBytes * Bytes::kBytes) {
+      : count_(axis.count), padded_((axis.count + kWindow - 1) / kWindow * kWindow) {
     if (axis.extent >= kWindow) {
       for (perWindow_ = 16; perWindow_ >= 4; perWindow_ /= 2) {
         if (Build(arena, axis)) return;
@@ -106,54 +124,43 @@ class NearestBytes {
     NearestSamples(axis, 0, count_, bases_);
   }
 
-  void CopyRow(const Zov8u* src, Zov8u* dst) const {
+  void CopyRow(const Zov8u* src, RowWriter writer) const {
     switch (perWindow_) {
       case 16:
-        return CopyBlocks<16>(src, dst);
+        return CopyBlocks<16>(src, writer);
       case 8:
-        return CopyBlocks<8>(src, dst);
+        return CopyBlocks<8>(src, writer);
       case 4:
-        return CopyBlocks<4>(src, dst);
+        return CopyBlocks<4>(src, writer);
       default:
-        for (int i = 0; i < count_; ++i) dst[i] = src[bases_[i]];
+        for (int i = 0; i < count_; ++i) *writer.At(i) = src[bases_[i]];
     }
   }
 
  private:
-  // Where the control bytes of a window lie: windows of 4 columns have just 4 of them, the others a
-  // full lane, in the order in which Gather takes them.
-  std::int64_t ControlOffset(int window) const {
-    if (perWindow_ == 4) return std::int64_t{window} * 4;
-    return std::int64_t{window} * kWindow;
-  }
-  // The place of a window in the tables. Two windows of 8 columns make one lane, and a vector takes
-  // the first windows of its lanes, then the second ones.
-  int Place(int window) const {
-    if (perWindow_ != 8 || kLanes == 1) return window;
-    return LogicalLane(window);  // its own inverse
-  }
+  // A window of 4 columns has a control of 4 bytes, the others have one of a whole vector that puts
+  // zeros where the other window's pixels go.
+  static constexpr int ControlBytes(int perWindow) { return perWindow == 4 ? 4 : kWindow; }
 
   bool Build(WorkArena* arena, const ResizeAxis& axis) {
     WorkArena trial = *arena;
     const int windows = padded_ / perWindow_;
-    const int controlBytes = perWindow_ == 4 ? 4 : kWindow;
+    const int controlBytes = ControlBytes(perWindow_);
     bases_ = trial.Take<std::int32_t>(windows);
     controls_ = trial.Take<Zov8u>(std::int64_t{windows} * controlBytes);
     const int lastBase = axis.extent - kWindow;
-    std::int32_t index[kWindow];
+    std::int32_t index[kWindow] = {};
     for (int window = 0; window < windows; ++window) {
       const int first = window * perWindow_;
       const int rest = count_ - first;
-      const int filled = rest < perWindow_ ? rest : perWindow_;
-      if (filled > 0) NearestSamples(axis, first, filled, index);
-      // Padding repeats the last column; a window of padding only, the last window.
-      for (int i = filled > 0 ? filled : 0; i < perWindow_; ++i) {
-        index[i] = filled > 0 ? index[filled - 1] : lastBase;
-      }
+      const int filled = rest < 0 ? 0 : rest < perWindow_ ? rest : perWindow_;
+      NearestSamples(axis, first, filled, index);
+      // Padding repeats the last column.
+      const int last = filled > 0 ? index[filled - 1] : lastBase;
+      for (int i = filled; i < perWindow_; ++i) index[i] = last;
       const int base = index[0] < lastBase ? index[0] : lastBase;
-      const int place = Place(window);
-      bases_[place] = base;
-      Zov8u* control = controls_ + ControlOffset(place);
+      bases_[window] = base;
+      Zov8u* control = controls_ + std::int64_t{window} * controlBytes;
       for (int i = 0; i < controlBytes; ++i) control[i] = 0x80;
       if (perWindow_ == 8) control += window % 2 * 8;
       for (int i = 0; i < perWindow_; ++i) {
@@ -166,41 +173,44 @@ class NearestBytes {
   }
 
   template <int kColumns>
-  ZOV_INLINE void CopyBlocks(const Zov8u* src, Zov8u* dst) const {
+  ZOV_INLINE void CopyBlocks(const Zov8u* src, const RowWriter& writer) const {
+    const std::int32_t* bases = bases_;
+    const Zov8u* controls = controls_;
+    const std::int64_t count = count_;
     std::int64_t i = 0;
-    for (; i + Bytes::kBytes <= count_; i += Bytes::kBytes) Gather<kColumns>(src, i).Store(dst + i);
-    if (i < count_) {
-      alignas(32) Zov8u rest[Bytes::kBytes];
-      Gather<kColumns>(src, i).StoreAligned(rest);
-      for (int k = 0; i < count_; ++i, ++k) dst[i] = rest[k];
+    for (; i + kWindow <= count; i += kWindow) {
+      writer.Write(Gather<kColumns>(src, bases, controls), i);
+      bases += kWindow / kColumns;
+      controls += kWindow / kColumns * ControlBytes(kColumns);
     }
+    if (i < count) StoreFirst(Gather<kColumns>(src, bases, controls), writer.At(i), count - i);
   }
 
-  // A vector of destination pixels from column i on.
+  // The next 16 destination pixels.
   template <int kColumns>
-  ZOV_INLINE Bytes Gather(const Zov8u* src, std::int64_t i) const {
-    const std::int32_t* const bases = bases_ + i / kColumns;
+  static ZOV_INLINE Block Gather(const Zov8u* src, const std::int32_t* bases,
+                                 const Zov8u* controls) {
+    const auto window = [ src, bases ](int k) __attribute__((always_inline)) {
+      return _mm_loadu_si128(reinterpret_cast<const __m128i*>(src + bases[k]));
+    };
+    const auto control = [controls](int k) __attribute__((always_inline)) {
+      return _mm_load_si128(reinterpret_cast<const __m128i*>(controls) + k);
+    };
+    __m128i pixels;
     if constexpr (kColumns == 16) {
-      return ShuffleBytes(LoadLanes(src, bases), Bytes::LoadAligned(controls_ + i));
+      pixels = _mm_shuffle_epi8(window(0), control(0));
     } else if constexpr (kColumns == 8) {
-      const Zov8u* const controls = controls_ + 2 * i;
-      return ShuffleBytes(LoadLanes(src, bases), Bytes::LoadAligned(controls)) |
-             ShuffleBytes(LoadLanes(src, bases + kLanes),
-                          Bytes::LoadAligned(controls + Bytes::kBytes));
+      pixels = _mm_or_si128(_mm_shuffle_epi8(window(0), control(0)),
+                            _mm_shuffle_epi8(window(1), control(1)));
     } else {
-      __m128i lanes[kLanes];
-      for (int lane = 0; lane < kLanes; ++lane) {
-        const auto four = [&](int k) __attribute__((always_inline)) {
-          const int window = lane * 4 + k;
-          return _mm_shuffle_epi8(
-              _mm_loadu_si128(reinterpret_cast<const __m128i*>(src + bases[window])),
-              _mm_cvtsi32_si128(LoadAs<std::int32_t>(controls_ + i + window * 4)));
-        };
-        lanes[lane] = _mm_unpacklo_epi64(_mm_unpacklo_epi32(four(0), four(1)),
-                                         _mm_unpacklo_epi32(four(2), four(3)));
-      }
-      return JoinLanes(lanes);
+      const auto four = [&](int k) __attribute__((always_inline)) {
+        return _mm_shuffle_epi8(window(k),
+                                _mm_cvtsi32_si128(LoadAs<std::int32_t>(controls + 4 * k)));
+      };
+      pixels = _mm_unpacklo_epi64(_mm_unpacklo_epi32(four(0), four(1)),
+                                  _mm_unpacklo_epi32(four(2), four(3)));
     }
+    return {(Block::Native)pixels};
   }
 
   int count_;
