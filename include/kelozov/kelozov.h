@@ -251,7 +251,8 @@ KELO_API void Kelo_zovsFree(void* ptr);
 /**
  * @defgroup fill Fill, clear and copy
  *
- * Large arrays are written past the cache, so that they do not empty it:
+ * Large arrays that are aligned to their elements are written past the cache, so that they do not
+ * empty it:
  * - at levels 1 to 4 from 1 MiB, or from 512 KiB in a clear at any of them and in a copy at levels
  *   1 to 3, when the array is at least half as large as one thread's share of the cache;
  * - at levels 5 and 6 fills and clears of more than 2 MiB, when the array is larger than the cache.
@@ -713,7 +714,7 @@ KELO_API ZovStatus Kelo_zovsSqr_32f_I(Zov32f* pSrcDst, int len);
  * level 0 the root is correctly rounded, and a NaN element gives 0xFFC00000 with the warning too.
  * At levels 1 to 6 the root comes from the reciprocal square root approximation of the processor
  * with one Newton step, within 4 units in the last place, and a NaN element gives that NaN,
- * quieted, without a warning.
+ * quieted, without a warning; these levels raise no floating-point exception.
  * @param pSrc source, @p len elements
  * @param pDst destination, @p len elements; may equal the source
  * @param len number of elements
