@@ -1278,6 +1278,125 @@ KELO_API ZovStatus Kelo_zoviResizeSqrPixel_64f_C1R(const Zov64f* src, ZovImageSi
 
 /** @} */
 
+/** @defgroup real_fourier Real Fourier transforms */
+/** @{ */
+
+/** Prepared state of real transforms of one length of `Zov32f` values; opaque. */
+typedef struct ZovFFTSpec_R_32f ZovFFTSpec_R_32f;
+
+/**
+ * @brief Makes the object for real transforms of N = 2^order values of `Zov32f`.
+ * The object is immutable: any number of threads may use it at once, each with its own work buffer.
+ * 1/N is 1.0f divided by (float)N; 1/sqrt(N) is computed in double and rounded.
+ * @param ppSpec receives the object, to be released with Kelo_zovsFFTFree_R_32f()
+ * @param order log2 of N, from 0 to 29 (28 at level SSE2)
+ * @param flag one of the normalisation flags, ::ZOV_FFT_SCALE_FWD to ::ZOV_FFT_SCALE_NONE
+ * @param hint stored and not read
+ * @return ::zovStsNullPtrErr, ::zovStsFftOrderErr (order outside 0 to 30), ::zovStsFftFlagErr,
+ * ::zovStsFftOrderErr (order above the limit), ::zovStsMemAllocErr, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsFFTInitAlloc_R_32f(ZovFFTSpec_R_32f** ppSpec, int order, int flag,
+                                                int hint);
+
+/**
+ * @brief Releases an object of Kelo_zovsFFTInitAlloc_R_32f().
+ * @param pSpec the object
+ * @return ::zovStsNullPtrErr, ::zovStsContextMatchErr (not a live object), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsFFTFree_R_32f(ZovFFTSpec_R_32f* pSpec);
+
+/**
+ * @brief Forward transform of N real values to a CCS spectrum.
+ * X[k] = sum of pSrc[n] exp(-2 pi i k n / N) over n from 0 to N - 1, for k from 0 to N/2, times the
+ * scale of the object if its flag asks for it. Element 2k of the destination is Re X[k], element
+ * 2k + 1 is Im X[k]; elements 1 and N + 1 are written as zeros. For N = 1 the result is
+ * (pSrc[0], 0).
+ * Results of two levels agree to rounding; the relative RMS error grows with log N, see
+ * docs/accuracy.md.
+ * @param pSrc N values
+ * @param pDst N + 2 values; may be the same array as @p pSrc
+ * @param pSpec the object
+ * @param pBuffer work memory, or null to let the call allocate its own where it needs some
+ * @return ::zovStsNullPtrErr (the object), ::zovStsContextMatchErr, ::zovStsNullPtrErr (an array),
+ * ::zovStsMemAllocErr, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsFFTFwd_RToCCS_32f(const Zov32f* pSrc, Zov32f* pDst,
+                                               const ZovFFTSpec_R_32f* pSpec, Zov8u* pBuffer);
+
+/**
+ * @brief Inverse transform of a CCS spectrum to N real values.
+ * pDst[n] = sum of X[k] exp(+2 pi i k n / N) over all N bins, of which those above N/2 mirror the
+ * given ones, times the scale of the object if its flag asks for it. Elements 1 and N + 1 of the
+ * source are ignored.
+ * @param pSrc N + 2 values
+ * @param pDst N values; may be the same array as @p pSrc
+ * @param pSpec the object
+ * @param pBuffer work memory, or null to let the call allocate its own where it needs some
+ * @return ::zovStsNullPtrErr (the object), ::zovStsContextMatchErr, ::zovStsNullPtrErr (an array),
+ * ::zovStsMemAllocErr, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsFFTInv_CCSToR_32f(const Zov32f* pSrc, Zov32f* pDst,
+                                               const ZovFFTSpec_R_32f* pSpec, Zov8u* pBuffer);
+
+/** Prepared state of real transforms of one length of `Zov64f` values; opaque. */
+typedef struct ZovFFTSpec_R_64f ZovFFTSpec_R_64f;
+
+/**
+ * @brief Makes the object for real transforms of N = 2^order values of `Zov64f`.
+ * The object is immutable: any number of threads may use it at once, each with its own work buffer.
+ * Both are computed in double.
+ * @param ppSpec receives the object, to be released with Kelo_zovsFFTFree_R_64f()
+ * @param order log2 of N, from 0 to 28 (27 at level SSE2)
+ * @param flag one of the normalisation flags, ::ZOV_FFT_SCALE_FWD to ::ZOV_FFT_SCALE_NONE
+ * @param hint stored and not read
+ * @return ::zovStsNullPtrErr, ::zovStsFftOrderErr (order outside 0 to 30), ::zovStsFftFlagErr,
+ * ::zovStsFftOrderErr (order above the limit), ::zovStsMemAllocErr, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsFFTInitAlloc_R_64f(ZovFFTSpec_R_64f** ppSpec, int order, int flag,
+                                                int hint);
+
+/**
+ * @brief Releases an object of Kelo_zovsFFTInitAlloc_R_64f().
+ * @param pSpec the object
+ * @return ::zovStsNullPtrErr, ::zovStsContextMatchErr (not a live object), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsFFTFree_R_64f(ZovFFTSpec_R_64f* pSpec);
+
+/**
+ * @brief Forward transform of N real values to a CCS spectrum.
+ * X[k] = sum of pSrc[n] exp(-2 pi i k n / N) over n from 0 to N - 1, for k from 0 to N/2, times the
+ * scale of the object if its flag asks for it. Element 2k of the destination is Re X[k], element
+ * 2k + 1 is Im X[k]; elements 1 and N + 1 are written as zeros. For N = 1 the result is
+ * (pSrc[0], 0).
+ * Results of two levels agree to rounding; the relative RMS error grows with log N, see
+ * docs/accuracy.md.
+ * @param pSrc N values
+ * @param pDst N + 2 values; may be the same array as @p pSrc
+ * @param pSpec the object
+ * @param pBuffer work memory, or null to let the call allocate its own where it needs some
+ * @return ::zovStsNullPtrErr (the object), ::zovStsContextMatchErr, ::zovStsNullPtrErr (an array),
+ * ::zovStsMemAllocErr, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsFFTFwd_RToCCS_64f(const Zov64f* pSrc, Zov64f* pDst,
+                                               const ZovFFTSpec_R_64f* pSpec, Zov8u* pBuffer);
+
+/**
+ * @brief Inverse transform of a CCS spectrum to N real values.
+ * pDst[n] = sum of X[k] exp(+2 pi i k n / N) over all N bins, of which those above N/2 mirror the
+ * given ones, times the scale of the object if its flag asks for it. Elements 1 and N + 1 of the
+ * source are ignored.
+ * @param pSrc N + 2 values
+ * @param pDst N values; may be the same array as @p pSrc
+ * @param pSpec the object
+ * @param pBuffer work memory, or null to let the call allocate its own where it needs some
+ * @return ::zovStsNullPtrErr (the object), ::zovStsContextMatchErr, ::zovStsNullPtrErr (an array),
+ * ::zovStsMemAllocErr, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsFFTInv_CCSToR_64f(const Zov64f* pSrc, Zov64f* pDst,
+                                               const ZovFFTSpec_R_64f* pSpec, Zov8u* pBuffer);
+
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

@@ -14,7 +14,7 @@ constexpr std::int64_t kExtraBytes = 72;
 
 HeapTable zovHeap = {std::malloc, std::calloc, std::realloc, std::free};
 
-Zov8u* zovAllocAligned(int len) {
+Zov8u* zovAllocAligned(std::int64_t len) {
   if (len < 1) return nullptr;
   void* const heapBlock = zovHeap.allocate(static_cast<std::size_t>(len + kExtraBytes));
   if (heapBlock == nullptr) return nullptr;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "kelozov/kelozov.h"
 
@@ -16,7 +17,7 @@ struct HeapTable {
 };
 extern HeapTable zovHeap;
 
-Zov8u* zovAllocAligned(int len);
+Zov8u* zovAllocAligned(std::int64_t len);
 void zovFreeAligned(void* ptr);
 
 }  // namespace zov

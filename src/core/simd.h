@@ -257,6 +257,13 @@ ZOV_INLINE Vec<double, 2> MulAdd(Vec<double, 2> a, Vec<double, 2> b, Vec<double,
 ZOV_INLINE Vec<double, 4> MulAdd(Vec<double, 4> a, Vec<double, 4> b, Vec<double, 4> c) {
   return {_mm256_fmadd_pd(a.v, b.v, c.v)};
 }
+// c - a * b with one rounding.
+ZOV_INLINE Vec<float, 8> NegMulAdd(Vec<float, 8> a, Vec<float, 8> b, Vec<float, 8> c) {
+  return {_mm256_fnmadd_ps(a.v, b.v, c.v)};
+}
+ZOV_INLINE Vec<double, 4> NegMulAdd(Vec<double, 4> a, Vec<double, 4> b, Vec<double, 4> c) {
+  return {_mm256_fnmadd_pd(a.v, b.v, c.v)};
+}
 #endif
 
 // One vector of doubles from as many elements.

@@ -1,0 +1,214 @@
+// The real transforms: checks, work memory, the complex transform and the split, and the form of
+// the spectrum.
+#include "signal/fourier/real_fft.h"
+
+#include "core/checks.h"
+#include "core/entries.h"
+#include "core/memory.h"
+#include "signal/fourier/complex_transform.h"
+#include "signal/fourier/limits.h"
+#include "signal/fourier/real_split.h"
+#include "signal/fourier/small_kernels.h"
+
+namespace zov::ZOV_LEVEL_NAMESPACE {
+
+namespace {
+
+enum class Spectrum { ccs, packed, running };
+
+template <class T>
+ZOV_INLINE ZovStatus CheckCall(const T* src, const T* dst, const FftSpec<T>* spec) {
+  if (spec == nullptr) return zovStsNullPtrErr;
+  if (spec->idTag != FftTypes<T>::kTag) return zovStsContextMatchErr;
+  if (AnyNull(src, dst)) return zovStsNullPtrErr;
+  return zovStsNoErr;
+}
+
+// Work of one call: the caller's, aligned, or a block of its own.
+template <class T>
+struct WorkMemory {
+  T* work = nullptr;
+  Zov8u* owned = nullptr;
+
+  ZOV_INLINE ZovStatus Take(Zov8u* given, int bytes) {
+    if (bytes <= 0) return zovStsNoErr;
+    if (given == nullptr) {
+      given = owned = zovAllocAligned(bytes);
+      if (owned == nullptr) return zovStsMemAllocErr;
+    }
+    work = reinterpret_cast<T*>((reinterpret_cast<std::uintptr_t>(given) + 63) &
+                                ~std::uintptr_t{63});
+    return zovStsNoErr;
+  }
+  ZOV_INLINE void Release() const {
+    if (owned != nullptr) zovFreeAligned(owned);
+  }
+};
+
+// From the packed spectrum in place.
+template <Spectrum kSpectrum, class T>
+ZOV_INLINE void FinishSpectrum(T* dst, Index length) {
+  if constexpr (kSpectrum == Spectrum::ccs) {
+    if (length > 1) {
+      dst[length] = dst[1];
+      dst[length + 1] = 0;
+    }
+    dst[1] = 0;
+  }
+  if constexpr (kSpectrum == Spectrum::running) {
+    if (length < 2) return;
+    const T last = dst[1];
+    for (Index i = 1; i < length - 1; ++i) dst[i] = dst[i + 1];
+    dst[length - 1] = last;
+  }
+}
+
+template <Spectrum kSpectrum, class T>
+ZovStatus Forward(const T* src, T* dst, const FftSpec<T>* spec, Zov8u* pWork) {
+  if (const ZovStatus status = CheckCall(src, static_cast<const T*>(dst), spec)) return status;
+  const Index length = Index{1} << spec->order;
+  if (spec->order <= FftLimitsOf<T>(kLevel).lastReal) {
+    const SmallKernels<T>& kernels = KernelsOf<T>();
+    (spec->scaleFwd != 0 ? kernels.forwardScaled : kernels.forward)[spec->order](src, dst,
+                                                                                spec->scale);
+    FinishSpectrum<kSpectrum>(dst, length);
+    return zovStsNoErr;
+  }
+  WorkMemory<T> memory;
+  if (const ZovStatus status = memory.Take(pWork, spec->workBytes)) return status;
+  ComplexTransform<T, false>(src, dst, *spec, memory.work);
+  const T re = dst[0];
+  const T im = dst[1];
+  dst[0] = re + im;
+  dst[1] = re - im;
+  ForwardSplit(dst, *spec);
+  FinishSpectrum<kSpectrum>(dst, length);
+  memory.Release();
+  return zovStsNoErr;
+}
+
+template <Spectrum kSpectrum, class T>
+ZovStatus Inverse(const T* src, T* dst, const FftSpec<T>* spec, Zov8u* pWork) {
+  if (const ZovStatus status = CheckCall(src, static_cast<const T*>(dst), spec)) return status;
+  const Index length = Index{1} << spec->order;
+  constexpr bool kRunning = kSpectrum == Spectrum::running;
+  if (spec->order <= FftLimitsOf<T>(kLevel).lastReal) {
+    T packed[32];
+    packed[0] = src[0];
+    if (length > 1) packed[1] = src[kSpectrum == Spectrum::packed ? 1 : length - kRunning];
+    for (Index i = 2; i < length; ++i) packed[i] = src[i - kRunning];
+    const SmallKernels<T>& kernels = KernelsOf<T>();
+    (spec->scaleInv != 0 ? kernels.inverseScaled : kernels.inverse)[spec->order](packed, dst,
+                                                                                spec->scale);
+    return zovStsNoErr;
+  }
+  WorkMemory<T> memory;
+  if (const ZovStatus status = memory.Take(pWork, spec->workBytes)) return status;
+  const T first = src[0];
+  const T last = src[kSpectrum == Spectrum::packed ? 1 : length - kRunning];
+  if constexpr (kRunning) {
+    // To the packed form in the destination, from the end, as that may be the source.
+    for (Index i = length - 1; i >= 2; --i) dst[i] = src[i - 1];
+    InverseSplit(static_cast<const T*>(dst), dst, *spec);
+  } else {
+    InverseSplit(src, dst, *spec);
+  }
+  dst[0] = first + last;
+  dst[1] = first - last;
+  ComplexTransform<T, true>(dst, dst, *spec, memory.work);
+  memory.Release();
+  return zovStsNoErr;
+}
+
+template <class T>
+ZovStatus SpecSizes(int order, int flag, std::int64_t* specBytes, std::int64_t* initBytes,
+                    std::int64_t* workBytes) {
+  const bool complete = !AnyNull(specBytes, initBytes, workBytes);
+  FftSizes sizes;
+  const ZovStatus status = FftSpecSizes<T>(kLevel, order, flag, complete ? &sizes : nullptr);
+  if (status != zovStsNoErr) return status;
+  *specBytes = sizes.spec;
+  *initBytes = sizes.init;
+  *workBytes = sizes.work;
+  return zovStsNoErr;
+}
+
+}  // namespace
+
+ZovStatus FftSpecSizes_32f(int order, int flag, int, std::int64_t* specBytes,
+                           std::int64_t* initBytes, std::int64_t* workBytes) {
+  return SpecSizes<Zov32f>(order, flag, specBytes, initBytes, workBytes);
+}
+ZovStatus FftSpecSizes_64f(int order, int flag, int, std::int64_t* specBytes,
+                           std::int64_t* initBytes, std::int64_t* workBytes) {
+  return SpecSizes<Zov64f>(order, flag, specBytes, initBytes, workBytes);
+}
+
+ZovStatus FftSpecInit_32f(ZovFFTSpec_R_32f** spec, int order, int flag, int hint, Zov8u* block,
+                          Zov8u* temporary) {
+  return FftSpecInit<Zov32f>(kLevel, spec, order, flag, hint, block, temporary);
+}
+ZovStatus FftSpecInit_64f(ZovFFTSpec_R_64f** spec, int order, int flag, int hint, Zov8u* block,
+                          Zov8u* temporary) {
+  return FftSpecInit<Zov64f>(kLevel, spec, order, flag, hint, block, temporary);
+}
+
+ZovStatus FftWorkBytes_32f(const ZovFFTSpec_R_32f* spec, int* bytes) {
+  if (AnyNull(spec, bytes)) return zovStsNullPtrErr;
+  if (spec->idTag != FftTypes<Zov32f>::kTag) return zovStsContextMatchErr;
+  *bytes = spec->workBytes < 1 ? 0 : spec->workBytes + 64;
+  return zovStsNoErr;
+}
+
+ZovStatus FftFwdToPacked_32f(const Zov32f* src, Zov32f* dst, const ZovFFTSpec_R_32f* spec,
+                             Zov8u* work) {
+  return Forward<Spectrum::packed>(src, dst, spec, work);
+}
+ZovStatus FftFwdToPacked_64f(const Zov64f* src, Zov64f* dst, const ZovFFTSpec_R_64f* spec,
+                             Zov8u* work) {
+  return Forward<Spectrum::packed>(src, dst, spec, work);
+}
+ZovStatus FftInvFromPacked_32f(const Zov32f* src, Zov32f* dst, const ZovFFTSpec_R_32f* spec,
+                               Zov8u* work) {
+  return Inverse<Spectrum::packed>(src, dst, spec, work);
+}
+ZovStatus FftInvFromPacked_64f(const Zov64f* src, Zov64f* dst, const ZovFFTSpec_R_64f* spec,
+                               Zov8u* work) {
+  return Inverse<Spectrum::packed>(src, dst, spec, work);
+}
+ZovStatus FftFwdToRunning_32f(const Zov32f* src, Zov32f* dst, const ZovFFTSpec_R_32f* spec,
+                              Zov8u* work) {
+  return Forward<Spectrum::running>(src, dst, spec, work);
+}
+ZovStatus FftInvFromRunning_32f(const Zov32f* src, Zov32f* dst, const ZovFFTSpec_R_32f* spec,
+                                Zov8u* work) {
+  return Inverse<Spectrum::running>(src, dst, spec, work);
+}
+
+ZovStatus zovsFFTInitAlloc_R_32f(ZovFFTSpec_R_32f** ppSpec, int order, int flag, int hint) {
+  return FftInitAlloc<Zov32f>(kLevel, ppSpec, order, flag, hint);
+}
+ZovStatus zovsFFTInitAlloc_R_64f(ZovFFTSpec_R_64f** ppSpec, int order, int flag, int hint) {
+  return FftInitAlloc<Zov64f>(kLevel, ppSpec, order, flag, hint);
+}
+ZovStatus zovsFFTFree_R_32f(ZovFFTSpec_R_32f* pSpec) { return FftFree<Zov32f>(pSpec); }
+ZovStatus zovsFFTFree_R_64f(ZovFFTSpec_R_64f* pSpec) { return FftFree<Zov64f>(pSpec); }
+
+ZovStatus zovsFFTFwd_RToCCS_32f(const Zov32f* pSrc, Zov32f* pDst, const ZovFFTSpec_R_32f* pSpec,
+                                Zov8u* pBuffer) {
+  return Forward<Spectrum::ccs>(pSrc, pDst, pSpec, pBuffer);
+}
+ZovStatus zovsFFTFwd_RToCCS_64f(const Zov64f* pSrc, Zov64f* pDst, const ZovFFTSpec_R_64f* pSpec,
+                                Zov8u* pBuffer) {
+  return Forward<Spectrum::ccs>(pSrc, pDst, pSpec, pBuffer);
+}
+ZovStatus zovsFFTInv_CCSToR_32f(const Zov32f* pSrc, Zov32f* pDst, const ZovFFTSpec_R_32f* pSpec,
+                                Zov8u* pBuffer) {
+  return Inverse<Spectrum::ccs>(pSrc, pDst, pSpec, pBuffer);
+}
+ZovStatus zovsFFTInv_CCSToR_64f(const Zov64f* pSrc, Zov64f* pDst, const ZovFFTSpec_R_64f* pSpec,
+                                Zov8u* pBuffer) {
+  return Inverse<Spectrum::ccs>(pSrc, pDst, pSpec, pBuffer);
+}
+
+}  // namespace zov::ZOV_LEVEL_NAMESPACE

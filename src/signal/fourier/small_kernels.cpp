@@ -1,0 +1,228 @@
+// Real transforms of 1 to 32 values in scalars, complex ones of 16 to 64 in vectors.
+#include "signal/fourier/small_kernels.h"
+
+#include "signal/fourier/lanes.h"
+#include "signal/fourier/limits.h"
+
+namespace zov::ZOV_LEVEL_NAMESPACE {
+
+namespace {
+
+// The packed spectrum of x[0], x[step], ... (n values): Re X[0], Re X[n/2], Re X[1], Im X[1], ...
+// The scaled form multiplies the inputs of the last butterflies.
+template <class T, int n, int step, bool kScaled>
+struct RealForward {
+  static ZOV_INLINE void Run(const T* x, T* spectrum, T scale) {
+    T even[n / 2];
+    T odd[n / 2];
+    RealForward<T, n / 2, 2 * step, false>::Run(x, even, scale);
+    RealForward<T, n / 2, 2 * step, false>::Run(x + step, odd, scale);
+    if constexpr (kScaled) {
+      Unroll<n / 2>(ZOV_UNROLLED(i) {
+        even[decltype(i)::value] *= scale;
+        odd[decltype(i)::value] *= scale;
+      });
+    }
+    spectrum[0] = even[0] + odd[0];
+    spectrum[1] = even[0] - odd[0];
+    if constexpr (n >= 4) {
+      // k = n/4: the twiddle is -i and both halves are real there.
+      spectrum[n / 2] = even[1];
+      spectrum[n / 2 + 1] = -odd[1];
+    }
+    if constexpr (n >= 8) {
+      Unroll<n / 4 - 1>(ZOV_UNROLLED(i) {
+        constexpr int k = decltype(i)::value + 1;
+        constexpr T kCos = static_cast<T>(CosineOfTurn(k, n));
+        constexpr T kSin = static_cast<T>(SineOfTurn(k, n));
+        T re, im;
+        if constexpr (8 * k == n) {
+          re = (odd[2 * k] + odd[2 * k + 1]) * kCos;
+          im = (odd[2 * k + 1] - odd[2 * k]) * kCos;
+        } else {
+          re = odd[2 * k] * kCos + odd[2 * k + 1] * kSin;
+          im = odd[2 * k + 1] * kCos - odd[2 * k] * kSin;
+        }
+        constexpr int m = n / 2 - k;
+        spectrum[2 * k] = even[2 * k] + re;
+        spectrum[2 * k + 1] = even[2 * k + 1] + im;
+        spectrum[2 * m] = even[2 * k] - re;
+        spectrum[2 * m + 1] = im - even[2 * k + 1];
+      });
+    }
+  }
+};
+
+template <class T, int step, bool kScaled>
+struct RealForward<T, 1, step, kScaled> {
+  static ZOV_INLINE void Run(const T* x, T* spectrum, T scale) {
+    spectrum[0] = kScaled ? x[0] * scale : x[0];
+  }
+};
+
+// The values x[0], x[step], ... of a packed spectrum.
+template <class T, int n, int step, bool kScaled>
+struct RealInverse {
+  static ZOV_INLINE void Run(const T* spectrum, T* x, T scale) {
+    T even[n / 2];
+    T odd[n / 2];
+    T first = spectrum[0];
+    T second = spectrum[1];
+    if constexpr (kScaled && n == 2) {
+      first *= scale;
+      second *= scale;
+    }
+    even[0] = first + second;
+    odd[0] = first - second;
+    if constexpr (n >= 4) {
+      even[1] = spectrum[n / 2] + spectrum[n / 2];
+      odd[1] = static_cast<T>(-2) * spectrum[n / 2 + 1];
+    }
+    if constexpr (n >= 8) {
+      Unroll<n / 4 - 1>(ZOV_UNROLLED(i) {
+        constexpr int k = decltype(i)::value + 1;
+        constexpr int m = n / 2 - k;
+        constexpr T kCos = static_cast<T>(CosineOfTurn(k, n));
+        constexpr T kSin = static_cast<T>(SineOfTurn(k, n));
+        even[2 * k] = spectrum[2 * k] + spectrum[2 * m];
+        even[2 * k + 1] = spectrum[2 * k + 1] - spectrum[2 * m + 1];
+        const T re = spectrum[2 * k] - spectrum[2 * m];
+        const T im = spectrum[2 * k + 1] + spectrum[2 * m + 1];
+        if constexpr (8 * k == n) {
+          odd[2 * k] = (re - im) * kCos;
+          odd[2 * k + 1] = (re + im) * kCos;
+        } else {
+          odd[2 * k] = re * kCos - im * kSin;
+          odd[2 * k + 1] = im * kCos + re * kSin;
+        }
+      });
+    }
+    RealInverse<T, n / 2, 2 * step, kScaled>::Run(even, x, scale);
+    RealInverse<T, n / 2, 2 * step, kScaled>::Run(odd, x + step, scale);
+  }
+};
+
+template <class T, int step, bool kScaled>
+struct RealInverse<T, 1, step, kScaled> {
+  static ZOV_INLINE void Run(const T* spectrum, T* x, T) { x[0] = spectrum[0]; }
+};
+
+template <class T, int n, bool kInverse, bool kScaled>
+void RealKernel(const T* src, T* dst, T scale) {
+  T in[n];
+  T out[n];
+  for (int i = 0; i < n; ++i) in[i] = src[i];
+  if constexpr (kInverse) {
+    RealInverse<T, n, 1, kScaled>::Run(in, out, scale);
+  } else {
+    RealForward<T, n, 1, kScaled>::Run(in, out, scale);
+  }
+  for (int i = 0; i < n; ++i) dst[i] = out[i];
+}
+
+// Twiddles exp(-2 pi i k m / n), k < rows, m < n / rows, as (re, re) and (-im, im).
+template <class T, int n, int rows>
+struct SmallTwiddles {
+  T re[rows][2 * n / rows];
+  T im[rows][2 * n / rows];
+};
+template <class T, int n, int rows>
+consteval SmallTwiddles<T, n, rows> MakeSmallTwiddles() {
+  SmallTwiddles<T, n, rows> table{};
+  for (int k = 0; k < rows; ++k) {
+    for (int m = 0; m < n / rows; ++m) {
+      const T cosine = static_cast<T>(CosineOfTurn(k * m, n));
+      const T sine = static_cast<T>(SineOfTurn(k * m, n));
+      table.re[k][2 * m] = table.re[k][2 * m + 1] = cosine;
+      table.im[k][2 * m] = sine;
+      table.im[k][2 * m + 1] = -sine;
+    }
+  }
+  return table;
+}
+template <class T, int n, int rows>
+alignas(64) constexpr SmallTwiddles<T, n, rows> kSmallTwiddles = MakeSmallTwiddles<T, n, rows>();
+
+template <int n, bool kInverse, class C>
+ZOV_INLINE void TransformColumn(C* x, int step) {
+  if constexpr (n == 4) {
+    Transform4<kInverse>(x[0], x[step], x[2 * step], x[3 * step]);
+  } else {
+    Transform8<kInverse>(x[0], x[step], x[2 * step], x[3 * step], x[4 * step], x[5 * step],
+                         x[6 * step], x[7 * step]);
+  }
+}
+
+// Complex transform of n = rows * columns values in two steps: over the columns of the matrix that
+// the source is, then, transposed, over its rows.
+template <class T, int n, bool kInverse, bool kScaled>
+void ComplexKernel(const T* src, T* dst, T scale) {
+  using C = Interleaved<T>;
+  constexpr int N = C::kLanes;
+  constexpr int rows = n == 64 ? 8 : 4;
+  constexpr int columns = n / rows;
+  constexpr const SmallTwiddles<T, n, rows>& kTwiddles = kSmallTwiddles<T, n, rows>;
+  // transposed[m * (rows / N) + g] holds the values k = g N and on of column m.
+  C transposed[n / N];
+  Unroll<columns / N>(ZOV_UNROLLED(g) {
+    constexpr int m = decltype(g)::value * N;
+    C x[rows];
+    Unroll<rows>(ZOV_UNROLLED(i) {
+      constexpr int k = decltype(i)::value;
+      x[k] = C::Load(src + 2 * (m + k * columns));
+    });
+    TransformColumn<rows, kInverse>(x, 1);
+    Unroll<rows - 1>(ZOV_UNROLLED(i) {
+      constexpr int k = decltype(i)::value + 1;
+      const Lanes<T> re = Lanes<T>::Load(&kTwiddles.re[k][2 * m]);
+      const Lanes<T> im = Lanes<T>::Load(&kTwiddles.im[k][2 * m]);
+      x[k] = kInverse ? x[k].TimesConj(re, im) : x[k].Times(re, im);
+    });
+    Unroll<rows / N>(ZOV_UNROLLED(i) {
+      constexpr int k = decltype(i)::value;
+      TransposeSquare(x + k * N);
+      Unroll<N>(ZOV_UNROLLED(lane) {
+        constexpr int kLane = decltype(lane)::value;
+        transposed[(m + kLane) * (rows / N) + k] = x[k * N + kLane];
+      });
+    });
+  });
+  Unroll<rows / N>(ZOV_UNROLLED(g) {
+    constexpr int k = decltype(g)::value;
+    TransformColumn<columns, kInverse>(transposed + k, rows / N);
+  });
+  Unroll<n / N>(ZOV_UNROLLED(i) {
+    constexpr int k = decltype(i)::value;
+    (kScaled ? transposed[k] * scale : transposed[k]).Store(dst + 2 * N * k);
+  });
+}
+
+// The kernel of an order; null where the level has none.
+template <class T, int order, bool kInverse, bool kScaled>
+consteval SmallKernel<T> KernelOf() {
+  constexpr FftLimits kLimits = FftLimitsOf<T>(kLevel);
+  if constexpr (order <= kLimits.lastReal) {
+    return RealKernel<T, 1 << order, kInverse, kScaled>;
+  } else if constexpr (order <= kLimits.lastSmall) {
+    return ComplexKernel<T, 1 << (order - 1), kInverse, kScaled>;
+  } else {
+    return nullptr;
+  }
+}
+
+template <class T, int... order>
+consteval SmallKernels<T> MakeKernels(std::integer_sequence<int, order...>) {
+  return {{KernelOf<T, order, false, false>()...},
+          {KernelOf<T, order, false, true>()...},
+          {KernelOf<T, order, true, false>()...},
+          {KernelOf<T, order, true, true>()...}};
+}
+
+}  // namespace
+
+extern constexpr SmallKernels<Zov32f> kSmallKernels32f =
+    MakeKernels<Zov32f>(std::make_integer_sequence<int, 8>{});
+extern constexpr SmallKernels<Zov64f> kSmallKernels64f =
+    MakeKernels<Zov64f>(std::make_integer_sequence<int, 8>{});
+
+}  // namespace zov::ZOV_LEVEL_NAMESPACE

@@ -1,0 +1,35 @@
+// Straight-line transforms of the smallest lengths, each in a plain and a scaled form.
+#pragma once
+
+#include "core/level.h"
+#include "kelozov/kelozov.h"
+
+namespace zov::ZOV_LEVEL_NAMESPACE {
+
+// Reads all of src before it writes any of dst, so the two may be the same.
+template <class T>
+using SmallKernel = void (*)(const T* src, T* dst, T scale);
+
+// By order of the real transform. A real kernel makes the packed spectrum of 2^order real values,
+// or the values of a packed spectrum; a complex one transforms 2^(order - 1) complex values.
+template <class T>
+struct SmallKernels {
+  SmallKernel<T> forward[8];
+  SmallKernel<T> forwardScaled[8];
+  SmallKernel<T> inverse[8];
+  SmallKernel<T> inverseScaled[8];
+};
+
+extern const SmallKernels<Zov32f> kSmallKernels32f;
+extern const SmallKernels<Zov64f> kSmallKernels64f;
+
+template <class T>
+ZOV_INLINE const SmallKernels<T>& KernelsOf() {
+  if constexpr (sizeof(T) == 4) {
+    return kSmallKernels32f;
+  } else {
+    return kSmallKernels64f;
+  }
+}
+
+}  // namespace zov::ZOV_LEVEL_NAMESPACE
