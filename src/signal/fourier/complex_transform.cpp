@@ -64,7 +64,8 @@ void ComplexTransform(const T* src, T* dst, const FftSpec<T>& spec, T* work) {
   if (spec.order <= kLimits.lastSmall) {
     const SmallKernels<T>& kernels = KernelsOf<T>();
     if constexpr (kInverse) {
-      (scaled ? kernels.inverseScaled : kernels.inverse)[spec.order](src, dst, spec.scale);
+      (scaled ? kernels.complexInverseScaled : kernels.complexInverse)[spec.order](src, dst,
+                                                                                   spec.scale);
     } else {
       (scaled ? kernels.forwardScaled : kernels.forward)[spec.order](src, dst, spec.scale);
     }

@@ -1,9 +1,9 @@
-// Transforms too long for one kernel, as 2^F rows of neighbouring values: rows first, each in cache,
-// then the columns by tiles that are copied to work memory.
+// Transforms too long for one kernel, as 2^F rows of neighbouring values: rows first, each in
+// cache, then the columns by tiles that are copied to work memory.
 #pragma once
 
-#include "signal/fourier/stages.h"
 #include "signal/fourier/spec.h"
+#include "signal/fourier/stages.h"
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 

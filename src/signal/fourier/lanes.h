@@ -97,8 +97,9 @@ struct Interleaved {
   friend ZOV_INLINE Interleaved operator-(Interleaved a, Interleaved b) { return {a.v - b.v}; }
   friend ZOV_INLINE Interleaved operator*(Interleaved a, T x) { return {a.v * V::Broadcast(x)}; }
 
-  // -i a
+  // -i a and i a
   ZOV_INLINE Interleaved MinusI() const { return {Conjugate(SwapParts(v))}; }
+  ZOV_INLINE Interleaved PlusI() const { return {SwapParts(Conjugate(v))}; }
 
   // a w for the factors w = (re, im) given as (re, re) and (-im, im); and a conj(w).
   ZOV_INLINE Interleaved Times(V re, V im) const { return {Fma(SwapParts(v), im, v * re)}; }
@@ -117,6 +118,13 @@ struct Split {
   V re, im;
 
   static ZOV_INLINE Split Load(const T* p) { return {V::Load(p), V::Load(p + kLanes)}; }
+  // The same, into registers: compilers would read both operands of a product twice, as memory
+  // operands of its four multiplications, and the loops are bound by their loads.
+  static ZOV_INLINE Split LoadOnce(const T* p) {
+    Split a = Load(p);
+    __asm__("" : "+x"(a.re.v), "+x"(a.im.v));
+    return a;
+  }
   ZOV_INLINE void Store(T* p) const {
     re.Store(p);
     im.Store(p + kLanes);
@@ -153,22 +161,29 @@ inline constexpr double kSqrtHalf = 0.70710678118654752440;
 
 // a times the first and the third power of exp(-2 pi i / 8), conjugated for the inverse.
 template <bool kInverse, class T>
-ZOV_INLINE void EighthTurns(Interleaved<T>& first, Interleaved<T>& third) {
-  const Interleaved<T> a = first.MinusI();
-  const Interleaved<T> b = third.MinusI();
-  first = (kInverse ? first - a : first + a) * static_cast<T>(kSqrtHalf);
-  third = (kInverse ? third + b : b - third) * static_cast<T>(kInverse ? -kSqrtHalf : kSqrtHalf);
+ZOV_INLINE void EighthTurn(Interleaved<T>& a) {
+  const Interleaved<T> turned = a.MinusI();
+  a = (kInverse ? a - turned : a + turned) * static_cast<T>(kSqrtHalf);
 }
 template <bool kInverse, class T>
-ZOV_INLINE void EighthTurns(Split<T>& first, Split<T>& third) {
+ZOV_INLINE void ThreeEighthsTurn(Interleaved<T>& a) {
+  const Interleaved<T> turned = a.MinusI();
+  a = (kInverse ? a + turned : turned - a) * static_cast<T>(kInverse ? -kSqrtHalf : kSqrtHalf);
+}
+template <bool kInverse, class T>
+ZOV_INLINE void EighthTurn(Split<T>& a) {
   static_assert(!kInverse, "the split layout runs the inverse with its parts exchanged");
-  const T root = static_cast<T>(kSqrtHalf);
-  first = Split<T>{first.re + first.im, first.im - first.re} * root;
-  third = {(third.im - third.re) * Lanes<T>::Broadcast(root),
-           (third.re + third.im) * Lanes<T>::Broadcast(-root)};
+  a = Split<T>{a.re + a.im, a.im - a.re} * static_cast<T>(kSqrtHalf);
+}
+template <bool kInverse, class T>
+ZOV_INLINE void ThreeEighthsTurn(Split<T>& a) {
+  static_assert(!kInverse, "the split layout runs the inverse with its parts exchanged");
+  using V = Lanes<T>;
+  a = {(a.im - a.re) * V::Broadcast(static_cast<T>(kSqrtHalf)),
+       (a.re + a.im) * V::Broadcast(static_cast<T>(-kSqrtHalf))};
 }
 
-// Transforms of 4, 8 and 16 values, natural order in and out.
+// Transforms of 4 and 8 values, natural order in and out.
 template <bool kInverse, class C>
 ZOV_INLINE void Transform4(C& a0, C& a1, C& a2, C& a3) {
   const C s0 = a0 + a2;
@@ -184,7 +199,8 @@ template <bool kInverse, class C>
 ZOV_INLINE void Transform8(C& a0, C& a1, C& a2, C& a3, C& a4, C& a5, C& a6, C& a7) {
   Transform4<kInverse>(a0, a2, a4, a6);
   Transform4<kInverse>(a1, a3, a5, a7);
-  EighthTurns<kInverse>(a3, a7);
+  EighthTurn<kInverse>(a3);
+  ThreeEighthsTurn<kInverse>(a7);
   const C e0 = a0, e1 = a2, e2 = a4, e3 = a6;
   const C o0 = a1, o1 = a3, o2 = a5, o3 = a7;
   a0 = e0 + o0;
@@ -204,23 +220,31 @@ ZOV_INLINE Interleaved<T> Turn(Interleaved<T> a) {
   return a.template TimesConstant<kInverse>(kRe, kIm);
 }
 
-// x[n] in; X[k] comes out at x[k / 4 + k % 4 * 4].
+// A transform of 16 values in two halves, x[n] in, X[k] at x[k / 4 + k % 4 * 4]: the first, for each
+// column n < 4 on its own, transforms x[n], x[n + 4], ... and turns the results.
+template <int n, bool kInverse, class T>
+ZOV_INLINE void Transform16Column(Interleaved<T> (&x)[16]) {
+  Transform4<kInverse>(x[n], x[n + 4], x[n + 8], x[n + 12]);
+  if constexpr (n == 1) {
+    x[5] = Turn<1, 16, kInverse>(x[5]);
+    EighthTurn<kInverse>(x[9]);
+    x[13] = Turn<3, 16, kInverse>(x[13]);
+  }
+  if constexpr (n == 2) {
+    EighthTurn<kInverse>(x[6]);
+    x[10] = kInverse ? x[10].PlusI() : x[10].MinusI();
+    ThreeEighthsTurn<kInverse>(x[14]);
+  }
+  if constexpr (n == 3) {
+    x[7] = Turn<3, 16, kInverse>(x[7]);
+    ThreeEighthsTurn<kInverse>(x[11]);
+    x[15] = Turn<9, 16, kInverse>(x[15]);
+  }
+}
 template <bool kInverse, class T>
-ZOV_INLINE void Transform16(Interleaved<T> (&x)[16]) {
-  Unroll<4>(ZOV_UNROLLED(i) {
-    constexpr int n = decltype(i)::value;
-    Transform4<kInverse>(x[n], x[n + 4], x[n + 8], x[n + 12]);
-  });
-  x[5] = Turn<1, 16, kInverse>(x[5]);
-  x[13] = Turn<3, 16, kInverse>(x[13]);
-  x[7] = Turn<3, 16, kInverse>(x[7]);
-  x[15] = Turn<9, 16, kInverse>(x[15]);
-  EighthTurns<kInverse>(x[9], x[11]);
-  EighthTurns<kInverse>(x[6], x[14]);
+ZOV_INLINE void Transform16Rows(Interleaved<T> (&x)[16]) {
   Transform4<kInverse>(x[0], x[1], x[2], x[3]);
   Transform4<kInverse>(x[4], x[5], x[6], x[7]);
-  // x[10] is turned by a quarter.
-  x[10] = kInverse ? Interleaved<T>{Lanes<T>::Zero() - x[10].MinusI().v} : x[10].MinusI();
   Transform4<kInverse>(x[8], x[9], x[10], x[11]);
   Transform4<kInverse>(x[12], x[13], x[14], x[15]);
 }

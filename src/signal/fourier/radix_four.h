@@ -53,8 +53,8 @@ struct BaselineTransform {
         TransposeSquare(sums);  // (s0, d0), (s1, d1)
         const C turned = sums[1].MinusI();
         const Vec<std::int32_t, 4> high = {{0, 0, -1, -1}};
-        const C right = {Select<T, V::kLanes>(
-            high, kInverse ? (V::Zero() - turned.v) : turned.v, sums[1].v)};
+        const C right = {
+            Select<T, V::kLanes>(high, kInverse ? (V::Zero() - turned.v) : turned.v, sums[1].v)};
         (sums[0] + right).Store(p);
         (sums[0] - right).Store(p + 4);
       }
@@ -74,8 +74,7 @@ struct BaselineTransform {
       const T powers[8] = {1, 0, root, sign, 0, kInverse ? T{1} : T{-1}, -root, sign};
       for (Index i = 0; i < 4 / kLanes; ++i) {
         const C w = C::Load(powers + 2 * kLanes * i);
-        const C turned =
-            odd[i].Times(RealParts(w.v), ImagParts(w.v) ^ MinusOnReal());
+        const C turned = odd[i].Times(RealParts(w.v), ImagParts(w.v) ^ MinusOnReal());
         (even[i] + turned).Store(p + 2 * kLanes * i);
         (even[i] - turned).Store(p + 8 + 2 * kLanes * i);
       }
@@ -190,8 +189,8 @@ struct BaselineTransform {
       T* const p = array + 2 * column;
       for (Index row = 0; row < rows; ++row, twiddles += 8) {
         for (Index lane = 0; lane < 4; lane += kLanes) {
-          const C value = Multiply(C::Load(p + 2 * (row * columns + lane)),
-                                   C::Load(twiddles + 2 * lane));
+          const C value =
+              Multiply(C::Load(p + 2 * (row * columns + lane)), C::Load(twiddles + 2 * lane));
           StoreLanes(value, work + 2 * (lane * rows + row), 2 * rows);
         }
       }
@@ -200,8 +199,7 @@ struct BaselineTransform {
       }
       for (Index row = 0; row < rows; ++row) {
         for (Index lane = 0; lane < 4; lane += kLanes) {
-          LoadLanes(work + 2 * (lane * rows + row), 2 * rows)
-              .Store(p + 2 * (row * columns + lane));
+          LoadLanes(work + 2 * (lane * rows + row), 2 * rows).Store(p + 2 * (row * columns + lane));
         }
       }
     }

@@ -36,8 +36,8 @@ struct WorkMemory {
       given = owned = zovAllocAligned(bytes);
       if (owned == nullptr) return zovStsMemAllocErr;
     }
-    work = reinterpret_cast<T*>((reinterpret_cast<std::uintptr_t>(given) + 63) &
-                                ~std::uintptr_t{63});
+    work =
+        reinterpret_cast<T*>((reinterpret_cast<std::uintptr_t>(given) + 63) & ~std::uintptr_t{63});
     return zovStsNoErr;
   }
   ZOV_INLINE void Release() const {
@@ -70,7 +70,7 @@ ZovStatus Forward(const T* src, T* dst, const FftSpec<T>* spec, Zov8u* pWork) {
   if (spec->order <= FftLimitsOf<T>(kLevel).lastReal) {
     const SmallKernels<T>& kernels = KernelsOf<T>();
     (spec->scaleFwd != 0 ? kernels.forwardScaled : kernels.forward)[spec->order](src, dst,
-                                                                                spec->scale);
+                                                                                 spec->scale);
     FinishSpectrum<kSpectrum>(dst, length);
     return zovStsNoErr;
   }
@@ -93,13 +93,18 @@ ZovStatus Inverse(const T* src, T* dst, const FftSpec<T>* spec, Zov8u* pWork) {
   const Index length = Index{1} << spec->order;
   constexpr bool kRunning = kSpectrum == Spectrum::running;
   if (spec->order <= FftLimitsOf<T>(kLevel).lastReal) {
-    T packed[32];
-    packed[0] = src[0];
-    if (length > 1) packed[1] = src[kSpectrum == Spectrum::packed ? 1 : length - kRunning];
-    for (Index i = 2; i < length; ++i) packed[i] = src[i - kRunning];
     const SmallKernels<T>& kernels = KernelsOf<T>();
-    (spec->scaleInv != 0 ? kernels.inverseScaled : kernels.inverse)[spec->order](packed, dst,
-                                                                                spec->scale);
+    const RealInverseKernel<T> kernel =
+        (spec->scaleInv != 0 ? kernels.realInverseScaled : kernels.realInverse)[spec->order];
+    if constexpr (kRunning) {
+      T packed[32];
+      packed[0] = src[0];
+      for (Index i = 2; i < length; ++i) packed[i] = src[i - 1];
+      kernel(packed, src[length - 1], dst, spec->scale);
+    } else {
+      kernel(src, length > 1 ? src[kSpectrum == Spectrum::packed ? 1 : length] : T{}, dst,
+             spec->scale);
+    }
     return zovStsNoErr;
   }
   WorkMemory<T> memory;

@@ -46,9 +46,8 @@ ZOV_INLINE void SplitPair(Interleaved<T>& z, Interleaved<T>& y, Interleaved<T> w
   const auto c = RealParts(w.v);
   const auto s = ImagParts(w.v);
   const auto turned = difference.MinusI().v;
-  const Interleaved<T> change = {kFormula == Formula::inverse
-                                     ? Fnma(turned, c, difference.v * s)
-                                     : Fma(turned, c, difference.v * s)};
+  const Interleaved<T> change = {kFormula == Formula::inverse ? Fnma(turned, c, difference.v * s)
+                                                              : Fma(turned, c, difference.v * s)};
   z = low + change;
   y = {Conjugate((high - change).v)};
 }

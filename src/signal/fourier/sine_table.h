@@ -65,10 +65,18 @@ struct UnitRoots {
     const T sine = table[offset];
     const T cosine = table[quarter - offset];
     switch ((index >> (tableOrder - 2)) & 3) {
-      case 0: re = cosine, im = -sine; break;
-      case 1: re = -sine, im = -cosine; break;
-      case 2: re = -cosine, im = sine; break;
-      default: re = sine, im = cosine; break;
+      case 0:
+        re = cosine, im = -sine;
+        break;
+      case 1:
+        re = -sine, im = -cosine;
+        break;
+      case 2:
+        re = -cosine, im = sine;
+        break;
+      default:
+        re = sine, im = cosine;
+        break;
     }
   }
 };

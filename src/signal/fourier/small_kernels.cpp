@@ -107,16 +107,23 @@ struct RealInverse<T, 1, step, kScaled> {
   static ZOV_INLINE void Run(const T* spectrum, T* x, T) { x[0] = spectrum[0]; }
 };
 
-template <class T, int n, bool kInverse, bool kScaled>
-void RealKernel(const T* src, T* dst, T scale) {
+template <class T, int n, bool kScaled>
+void RealForwardKernel(const T* src, T* dst, T scale) {
   T in[n];
   T out[n];
   for (int i = 0; i < n; ++i) in[i] = src[i];
-  if constexpr (kInverse) {
-    RealInverse<T, n, 1, kScaled>::Run(in, out, scale);
-  } else {
-    RealForward<T, n, 1, kScaled>::Run(in, out, scale);
-  }
+  RealForward<T, n, 1, kScaled>::Run(in, out, scale);
+  for (int i = 0; i < n; ++i) dst[i] = out[i];
+}
+
+template <class T, int n, bool kScaled>
+void RealInverseKernelOf(const T* src, T second, T* dst, T scale) {
+  T in[n < 2 ? 2 : n];
+  T out[n];
+  in[0] = src[0];
+  in[1] = second;
+  for (int i = 2; i < n; ++i) in[i] = src[i];
+  RealInverse<T, n, 1, kScaled>::Run(in, out, scale);
   for (int i = 0; i < n; ++i) dst[i] = out[i];
 }
 
@@ -202,27 +209,35 @@ template <class T, int order, bool kInverse, bool kScaled>
 consteval SmallKernel<T> KernelOf() {
   constexpr FftLimits kLimits = FftLimitsOf<T>(kLevel);
   if constexpr (order <= kLimits.lastReal) {
-    return RealKernel<T, 1 << order, kInverse, kScaled>;
+    return kInverse ? nullptr : RealForwardKernel<T, 1 << order, kScaled>;
   } else if constexpr (order <= kLimits.lastSmall) {
     return ComplexKernel<T, 1 << (order - 1), kInverse, kScaled>;
   } else {
     return nullptr;
   }
 }
+template <class T, int order, bool kScaled>
+consteval RealInverseKernel<T> RealInverseOf() {
+  if constexpr (order <= FftLimitsOf<T>(kLevel).lastReal) {
+    return RealInverseKernelOf<T, 1 << order, kScaled>;
+  } else {
+    return nullptr;
+  }
+}
 
-template <class T, int... order>
-consteval SmallKernels<T> MakeKernels(std::integer_sequence<int, order...>) {
-  return {{KernelOf<T, order, false, false>()...},
-          {KernelOf<T, order, false, true>()...},
-          {KernelOf<T, order, true, false>()...},
-          {KernelOf<T, order, true, true>()...}};
+template <class T, int... order, int... realOrder>
+consteval SmallKernels<T> MakeKernels(std::integer_sequence<int, order...>,
+                                      std::integer_sequence<int, realOrder...>) {
+  return {{KernelOf<T, order, false, false>()...},   {KernelOf<T, order, false, true>()...},
+          {KernelOf<T, order, true, false>()...},    {KernelOf<T, order, true, true>()...},
+          {RealInverseOf<T, realOrder, false>()...}, {RealInverseOf<T, realOrder, true>()...}};
 }
 
 }  // namespace
 
 extern constexpr SmallKernels<Zov32f> kSmallKernels32f =
-    MakeKernels<Zov32f>(std::make_integer_sequence<int, 8>{});
+    MakeKernels<Zov32f>(std::make_integer_sequence<int, 8>{}, std::make_integer_sequence<int, 6>{});
 extern constexpr SmallKernels<Zov64f> kSmallKernels64f =
-    MakeKernels<Zov64f>(std::make_integer_sequence<int, 8>{});
+    MakeKernels<Zov64f>(std::make_integer_sequence<int, 8>{}, std::make_integer_sequence<int, 6>{});
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

@@ -10,14 +10,20 @@ namespace zov::ZOV_LEVEL_NAMESPACE {
 template <class T>
 using SmallKernel = void (*)(const T* src, T* dst, T scale);
 
+// The real inverse takes the element of index 1 apart, as the CCS form has it at the end.
+template <class T>
+using RealInverseKernel = void (*)(const T* src, T second, T* dst, T scale);
+
 // By order of the real transform. A real kernel makes the packed spectrum of 2^order real values,
 // or the values of a packed spectrum; a complex one transforms 2^(order - 1) complex values.
 template <class T>
 struct SmallKernels {
   SmallKernel<T> forward[8];
   SmallKernel<T> forwardScaled[8];
-  SmallKernel<T> inverse[8];
-  SmallKernel<T> inverseScaled[8];
+  SmallKernel<T> complexInverse[8];
+  SmallKernel<T> complexInverseScaled[8];
+  RealInverseKernel<T> realInverse[6];
+  RealInverseKernel<T> realInverseScaled[6];
 };
 
 extern const SmallKernels<Zov32f> kSmallKernels32f;

@@ -54,8 +54,7 @@ void AddLargeSizes(const FftLimits& limits, int c, FftSizes& sizes) {
   }
   sizes.spec += RoundUp64(kComplex * rows + kComplex) + kComplex * length;
   sizes.init += RoundUp64(rows + 4) + 4 * kComplex * rows;
-  const std::int64_t held =
-      limits.lanes == 0 ? 4 * kComplex * rows : kComplex << split.held;
+  const std::int64_t held = limits.lanes == 0 ? 4 * kComplex * rows : kComplex << split.held;
   if (sizes.work < held) sizes.work = held;
 }
 
@@ -157,7 +156,7 @@ ZovStatus FftSpecSizes(Level level, int order, int flag, FftSizes* sizes) {
   const std::int64_t splitEntries =
       order < limits.twoLevelFrom
           ? quarter
-          : (quarter >> common::kLogFine<T>) + (std::int64_t{1} << common::kLogFine<T>);
+          : (quarter >> common::kLogFine<T>)+(std::int64_t{1} << common::kLogFine<T>);
   sizes->spec = 2 * RoundUp64(kComplex * splitEntries) + 256;
   if (order > kSineTableOrder) {
     sizes->init = RoundUp64(static_cast<std::int64_t>(sizeof(T)) * (quarter + 1)) + 64;
@@ -180,8 +179,8 @@ ZovStatus FftSpecSizes(Level level, int order, int flag, FftSizes* sizes) {
 }
 
 template <class T>
-ZovStatus FftSpecInit(Level level, FftSpec<T>** result, int order, int flag, int hint,
-                      Zov8u* block, Zov8u* temporary) {
+ZovStatus FftSpecInit(Level level, FftSpec<T>** result, int order, int flag, int hint, Zov8u* block,
+                      Zov8u* temporary) {
   if (result == nullptr || block == nullptr) return zovStsNullPtrErr;
   const FftLimits& limits = FftLimitsOf<T>(level);
   if (order < 0 || order > limits.maxOrder) return zovStsFftOrderErr;
@@ -226,8 +225,8 @@ ZovStatus FftSpecInit(Level level, FftSpec<T>** result, int order, int flag, int
       spec.cplxTwiddles = place;
       place = builder.BuildTransform(place, c);
       if (limits.wholeWork) {
-        spec.workBytes = static_cast<Zov32s>(RoundUp64(static_cast<std::int64_t>(2 * sizeof(T))
-                                                       << c));
+        spec.workBytes =
+            static_cast<Zov32s>(RoundUp64(static_cast<std::int64_t>(2 * sizeof(T)) << c));
       }
     } else {
       place = builder.BuildFourStep(place, c, 0);
@@ -240,7 +239,7 @@ ZovStatus FftSpecInit(Level level, FftSpec<T>** result, int order, int flag, int
   const std::int64_t entries =
       logFine == 0 ? std::int64_t{1} << (order - 2)
                    : (std::int64_t{1} << (order - 2 - logFine)) + (std::int64_t{1} << logFine);
-  const SplitOrder slots = level == Level::sse2  ? SplitOrder::fromZero
+  const SplitOrder slots = level == Level::sse2 ? SplitOrder::fromZero
                            : level < Level::avx ? SplitOrder::fromOne
                                                 : SplitOrder::exchanged;
   spec.splitFwd = place;
@@ -289,10 +288,10 @@ ZovStatus FftFree(FftSpec<T>* spec) {
   return zovStsNoErr;
 }
 
-#define ZOV_FFT_OBJECTS(T)                                                                     \
-  template ZovStatus FftSpecSizes<T>(Level, int, int, FftSizes*);                              \
-  template ZovStatus FftSpecInit<T>(Level, FftSpec<T>**, int, int, int, Zov8u*, Zov8u*);       \
-  template ZovStatus FftInitAlloc<T>(Level, FftSpec<T>**, int, int, int);                      \
+#define ZOV_FFT_OBJECTS(T)                                                               \
+  template ZovStatus FftSpecSizes<T>(Level, int, int, FftSizes*);                        \
+  template ZovStatus FftSpecInit<T>(Level, FftSpec<T>**, int, int, int, Zov8u*, Zov8u*); \
+  template ZovStatus FftInitAlloc<T>(Level, FftSpec<T>**, int, int, int);                \
   template ZovStatus FftFree<T>(FftSpec<T>*);
 ZOV_FFT_OBJECTS(Zov32f)
 ZOV_FFT_OBJECTS(Zov64f)

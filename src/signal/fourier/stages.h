@@ -1,6 +1,6 @@
 // The passes of a complex transform on split groups: the first over groups of 16 in bit-reversed
-// order, then radix-4 and radix-8 stages. Lengths and steps count complex values. The inverse is the
-// forward transform with real and imaginary parts exchanged: the first pass stores them so, the
+// order, then radix-4 and radix-8 stages. Lengths and steps count complex values. The inverse is
+// the forward transform with real and imaginary parts exchanged: the first pass stores them so, the
 // last stage exchanges them back, and the stages between know nothing of the direction.
 #pragma once
 
@@ -30,9 +30,9 @@ ZOV_INLINE const T* Radix4Run(const T* in, Index inStep, T* out, Index outStep, 
     const T* const p = in + 2 * k;
     T* const q = out + 2 * k;
     Split<T> a0 = Split<T>::Load(p);
-    Split<T> a2 = Split<T>::Load(p + 2 * inStep) * Split<T>::Load(twiddles + 2 * N);
-    Split<T> a1 = Split<T>::Load(p + 4 * inStep) * Split<T>::Load(twiddles);
-    Split<T> a3 = Split<T>::Load(p + 6 * inStep) * Split<T>::Load(twiddles + 4 * N);
+    Split<T> a2 = Split<T>::LoadOnce(p + 2 * inStep) * Split<T>::LoadOnce(twiddles + 2 * N);
+    Split<T> a1 = Split<T>::LoadOnce(p + 4 * inStep) * Split<T>::LoadOnce(twiddles);
+    Split<T> a3 = Split<T>::LoadOnce(p + 6 * inStep) * Split<T>::LoadOnce(twiddles + 4 * N);
     Transform4<false>(a0, a1, a2, a3);
     StoreGroup<T, kForm, kScaled>(a0, q, scale);
     StoreGroup<T, kForm, kScaled>(a1, q + 2 * outStep, scale);
@@ -51,13 +51,13 @@ ZOV_INLINE const T* Radix8Run(const T* in, Index inStep, T* out, Index outStep, 
     T* const q = out + 2 * k;
     // Even residues stand in the first four blocks.
     Split<T> a0 = Split<T>::Load(p);
-    Split<T> a4 = Split<T>::Load(p + 2 * inStep) * Split<T>::Load(twiddles + 6 * N);
-    Split<T> a2 = Split<T>::Load(p + 4 * inStep) * Split<T>::Load(twiddles + 2 * N);
-    Split<T> a6 = Split<T>::Load(p + 6 * inStep) * Split<T>::Load(twiddles + 10 * N);
-    Split<T> a1 = Split<T>::Load(p + 8 * inStep) * Split<T>::Load(twiddles);
-    Split<T> a5 = Split<T>::Load(p + 10 * inStep) * Split<T>::Load(twiddles + 8 * N);
-    Split<T> a3 = Split<T>::Load(p + 12 * inStep) * Split<T>::Load(twiddles + 4 * N);
-    Split<T> a7 = Split<T>::Load(p + 14 * inStep) * Split<T>::Load(twiddles + 12 * N);
+    Split<T> a4 = Split<T>::LoadOnce(p + 2 * inStep) * Split<T>::LoadOnce(twiddles + 6 * N);
+    Split<T> a2 = Split<T>::LoadOnce(p + 4 * inStep) * Split<T>::LoadOnce(twiddles + 2 * N);
+    Split<T> a6 = Split<T>::LoadOnce(p + 6 * inStep) * Split<T>::LoadOnce(twiddles + 10 * N);
+    Split<T> a1 = Split<T>::LoadOnce(p + 8 * inStep) * Split<T>::LoadOnce(twiddles);
+    Split<T> a5 = Split<T>::LoadOnce(p + 10 * inStep) * Split<T>::LoadOnce(twiddles + 8 * N);
+    Split<T> a3 = Split<T>::LoadOnce(p + 12 * inStep) * Split<T>::LoadOnce(twiddles + 4 * N);
+    Split<T> a7 = Split<T>::LoadOnce(p + 14 * inStep) * Split<T>::LoadOnce(twiddles + 12 * N);
     Transform8<false>(a0, a1, a2, a3, a4, a5, a6, a7);
     StoreGroup<T, kForm, kScaled>(a0, q, scale);
     StoreGroup<T, kForm, kScaled>(a1, q + 2 * outStep, scale);
@@ -79,11 +79,12 @@ ZOV_INLINE const T* StageRun(int logRadix, const T* in, Index inStep, T* out, In
              : Radix8Run<T, kForm, kScaled>(in, inStep, out, outStep, twiddles, count, scale);
 }
 
-// Transforms 16 vectors and stores lane j as split groups at the place of its block.
+// The second half of transforms of 16 values in vectors; lane j goes as split groups to the place of
+// its block.
 template <class T, bool kInverse>
 ZOV_INLINE void FinishFirst(Interleaved<T> (&x)[16], T* const* places) {
   constexpr int C = Interleaved<T>::kLanes;
-  Transform16<kInverse>(x);
+  Transform16Rows<kInverse>(x);
   // One group is two vectors of C values of a lane.
   Unroll<8 / C>(ZOV_UNROLLED(g) {
     constexpr int first = decltype(g)::value * 2 * C;
@@ -108,23 +109,48 @@ ZOV_INLINE void FinishFirst(Interleaved<T> (&x)[16], T* const* places) {
 // rev(r) of the destination. The table holds twice the reversal in units of 4 values.
 template <class T, bool kInverse>
 ZOV_INLINE void FirstPassReversed(const T* src, T* dst, int c, const Zov32s* reversal) {
-  constexpr int C = Interleaved<T>::kLanes;
+  using C = Interleaved<T>;
   const Index length = Index{1} << c;
   const Index sixteenth = length / 16;
-  for (Index r = 0; r < sixteenth; r += C) {
-    Interleaved<T> x[16];
-    Unroll<16>(ZOV_UNROLLED(n) {
-      constexpr int kN = decltype(n)::value;
-      x[kN] = Interleaved<T>::Load(src + 2 * (r + kN * sixteenth));
-    });
-    T* places[C];
+  const auto finish = [&](Index r, C(&x)[16]) __attribute__((always_inline)) {
+    T* places[C::kLanes];
     places[0] = dst + 4 * static_cast<Index>(reversal[r]);
-    if constexpr (C >= 2) places[1] = places[0] + length;
-    if constexpr (C == 4) {
+    if constexpr (C::kLanes >= 2) places[1] = places[0] + length;
+    if constexpr (C::kLanes == 4) {
       places[2] = places[0] + length / 2;
       places[3] = places[0] + length / 2 + length;
     }
     FinishFirst<T, kInverse>(x, places);
+  };
+
+  constexpr Index kPage = 4096;
+  if (sixteenth * static_cast<Index>(2 * sizeof(T)) < kPage) {
+    for (Index r = 0; r < sixteenth; r += C::kLanes) {
+      C x[16];
+      Unroll<16>(ZOV_UNROLLED(i) {
+        constexpr int n = decltype(i)::value;
+        x[n] = C::Load(src + 2 * (r + n * sixteenth));
+      });
+      Unroll<4>(ZOV_UNROLLED(i) { Transform16Column<decltype(i)::value, kInverse>(x); });
+      finish(r, x);
+    }
+    return;
+  }
+  // Steps of whole pages put all 16 rows into one set of the first-level cache, which then holds no
+  // line until its second vector is due: so a line is used whole, and the values wait aside.
+  constexpr int kVectors = 64 / Lanes<T>::kBytes;
+  for (Index r = 0; r < sixteenth; r += kVectors * C::kLanes) {
+    C columns[kVectors][16];
+    Unroll<4>(ZOV_UNROLLED(i) {
+      constexpr int n = decltype(i)::value;
+      for (int v = 0; v < kVectors; ++v) {
+        C(&x)[16] = columns[v];
+        const T* const row = src + 2 * (r + v * C::kLanes);
+        for (int j = n; j < 16; j += 4) x[j] = C::Load(row + 2 * j * sixteenth);
+        Transform16Column<n, kInverse>(x);
+      }
+    });
+    for (int v = 0; v < kVectors; ++v) finish(r + v * C::kLanes, columns[v]);
   }
 }
 
@@ -149,13 +175,14 @@ ZOV_INLINE void FirstPassInPlace(T* array, int c) {
         x[kReversed[first + decltype(i)::value]] = square[decltype(i)::value];
       });
     });
+    Unroll<4>(ZOV_UNROLLED(i) { Transform16Column<decltype(i)::value, kInverse>(x); });
     FinishFirst<T, kInverse>(x, places);
   }
 }
 
 // Log2 of the values that stay in the first-level cache while their stages run.
 template <class T>
-inline constexpr int kLogSegment = 11;
+inline constexpr int kLogSegment = sizeof(T) == 4 ? 11 : 10;
 
 // The table of a stage that joins blocks of `part` values follows those of all stages before it,
 // which take part - 16 factors.

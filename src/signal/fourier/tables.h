@@ -15,8 +15,8 @@ void BuildSwapList(Zov32s* table, int c);
 // Entry i is twice the (c-2)-bit reversal of i; the entry behind the last is 0.
 void BuildReversalTable(Zov32s* table, int c);
 
-// The reversal by tiles of 2^logTile by 2^logTile values: for each column of tiles the offset of its
-// partner, then the swap list of one tile.
+// The reversal by tiles of 2^logTile by 2^logTile values: for each column of tiles the offset of
+// its partner, then the swap list of one tile.
 void BuildTiledReversalTable(Zov32s* table, int c, int logTile);
 
 // Baseline transform of length 2^c: W^k, W^2k, W^3k in a row for k from 0 to a quarter of the

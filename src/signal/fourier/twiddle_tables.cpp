@@ -12,8 +12,8 @@ namespace {
 template <class T>
 int IndexOfLane(int lane, int lanes) {
   if (lanes * static_cast<int>(sizeof(T)) == 16) return lane;
-  const int half = lanes / 2;     // lanes of 16 bytes
-  const int part = half / 2;      // of which the first come from the first vector
+  const int half = lanes / 2;  // lanes of 16 bytes
+  const int part = half / 2;   // of which the first come from the first vector
   const int within = lane % half;
   return lane / half * part + within % part + within / part * half;
 }
@@ -154,13 +154,13 @@ void BuildInverseSplitTable(T* table, int order, int logFine, SplitOrder slots,
   });
 }
 
-#define ZOV_BUILDERS(T)                                                                       \
-  template void BuildRadix4Twiddles<T>(T*, int, const UnitRoots<T>&);                         \
-  template void BuildBlockTwiddles<T>(T*, int, const UnitRoots<T>&);                          \
-  template void BuildStageTwiddles<T>(T*, int, int, const UnitRoots<T>&);                     \
-  template void BuildRowTwiddles<T>(T*, int, int, T*, const UnitRoots<T>&);                   \
-  template void BuildTileTwiddles<T>(T*, int, int, int, int, const UnitRoots<T>&);            \
-  template void BuildForwardSplitTable<T>(T*, int, int, SplitOrder, const UnitRoots<T>&);           \
+#define ZOV_BUILDERS(T)                                                                   \
+  template void BuildRadix4Twiddles<T>(T*, int, const UnitRoots<T>&);                     \
+  template void BuildBlockTwiddles<T>(T*, int, const UnitRoots<T>&);                      \
+  template void BuildStageTwiddles<T>(T*, int, int, const UnitRoots<T>&);                 \
+  template void BuildRowTwiddles<T>(T*, int, int, T*, const UnitRoots<T>&);               \
+  template void BuildTileTwiddles<T>(T*, int, int, int, int, const UnitRoots<T>&);        \
+  template void BuildForwardSplitTable<T>(T*, int, int, SplitOrder, const UnitRoots<T>&); \
   template void BuildInverseSplitTable<T>(T*, int, int, SplitOrder, const UnitRoots<T>&);
 ZOV_BUILDERS(Zov32f)
 ZOV_BUILDERS(Zov64f)

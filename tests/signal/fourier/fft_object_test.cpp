@@ -96,10 +96,9 @@ void CheckBlock(int order, Sizes sizesOf, Init init) {
     EXPECT_EQ(workBytes, spec->workBytes > 0 ? spec->workBytes + 64 : 0);
     EXPECT_EQ(spec->outerTwiddles, nullptr);
     const void* last = spec;
-    for (const void* table : {static_cast<const void*>(spec->bitRevTable),
-                              static_cast<const void*>(spec->cplxTwiddles),
-                              static_cast<const void*>(spec->splitFwd),
-                              static_cast<const void*>(spec->splitInv)}) {
+    for (const void* table :
+         {static_cast<const void*>(spec->bitRevTable), static_cast<const void*>(spec->cplxTwiddles),
+          static_cast<const void*>(spec->splitFwd), static_cast<const void*>(spec->splitInv)}) {
       if (table == nullptr) continue;
       EXPECT_GT(table, last);
       EXPECT_EQ(reinterpret_cast<std::uintptr_t>(table) % 64, 0u);
@@ -123,9 +122,9 @@ TEST(FftBlock, HoldsTheObjectOfEveryOrder) {
               zovStsNullPtrErr);
     std::int64_t specBytes, initBytes, workBytes;
     const int limit = 28 + (level > 0);
-    ASSERT_EQ(ZOV_KERNEL_AT(level, FftSpecSizes_32f)(limit, 8, 0, &specBytes, &initBytes,
-                                                     &workBytes),
-              zovStsNoErr);
+    ASSERT_EQ(
+        ZOV_KERNEL_AT(level, FftSpecSizes_32f)(limit, 8, 0, &specBytes, &initBytes, &workBytes),
+        zovStsNoErr);
     EXPECT_GT(specBytes, std::int64_t{8} << (limit - 1));
   });
 }
@@ -180,8 +179,7 @@ void CheckSplitTables(int level, int order) {
 
 TYPED_TEST(FftObjects, SplitTables) {
   ForEachLevel([](int level) {
-    const int twoLevelFrom =
-        common::FftLimitsOf<TypeParam>(static_cast<Level>(level)).twoLevelFrom;
+    const int twoLevelFrom = common::FftLimitsOf<TypeParam>(static_cast<Level>(level)).twoLevelFrom;
     for (const int order : {6, 10, 11, twoLevelFrom - 1, twoLevelFrom}) {
       CheckSplitTables<TypeParam>(level, order);
     }

@@ -18,8 +18,7 @@ inline constexpr long double kTwoPi = 6.283185307179586476925286766559005768L;
 
 // exp(-2 pi i k / n)
 inline Complex Root(std::size_t k, std::size_t n) {
-  const long double angle =
-      kTwoPi * static_cast<long double>(k % n) / static_cast<long double>(n);
+  const long double angle = kTwoPi * static_cast<long double>(k % n) / static_cast<long double>(n);
   return {std::cos(angle), -std::sin(angle)};
 }
 
@@ -64,12 +63,12 @@ inline std::vector<float> RandomSignal(std::size_t n) {
 template <class T>
 struct Fft;
 
-#define ZOV_FFT_EXPORTS(T, suffix)                                               \
-  template <>                                                                    \
-  struct Fft<T> {                                                                \
-    using Spec = ZovFFTSpec_R_##suffix;                                          \
-    static auto Init(int level) { return ZOV_AT(level, zovsFFTInitAlloc_R_##suffix); } \
-    static auto Free(int level) { return ZOV_AT(level, zovsFFTFree_R_##suffix); } \
+#define ZOV_FFT_EXPORTS(T, suffix)                                                       \
+  template <>                                                                            \
+  struct Fft<T> {                                                                        \
+    using Spec = ZovFFTSpec_R_##suffix;                                                  \
+    static auto Init(int level) { return ZOV_AT(level, zovsFFTInitAlloc_R_##suffix); }   \
+    static auto Free(int level) { return ZOV_AT(level, zovsFFTFree_R_##suffix); }        \
     static auto Forward(int level) { return ZOV_AT(level, zovsFFTFwd_RToCCS_##suffix); } \
     static auto Inverse(int level) { return ZOV_AT(level, zovsFFTInv_CCSToR_##suffix); } \
   };

@@ -205,8 +205,8 @@ TEST(FftLong, ThresholdsOf32f) {
   }
 }
 TEST(FftLong, ThresholdsOf64f) {
-  constexpr LevelOrder kCases[] = {{0, 21}, {0, 22}, {1, 21}, {1, 22}, {2, 21},
-                                   {2, 22}, {3, 21}, {3, 22}, {3, 23}, {6, 22}, {6, 23}};
+  constexpr LevelOrder kCases[] = {{0, 21}, {0, 22}, {1, 21}, {1, 22}, {2, 21}, {2, 22},
+                                   {3, 21}, {3, 22}, {3, 23}, {6, 22}, {6, 23}};
   for (const LevelOrder& c : kCases) {
     if (c.level <= zovDispatchIndex) CheckSparse<Zov64f>(c.level, c.order);
   }
