@@ -257,6 +257,19 @@ ZOV_INLINE Vec<double, 2> MulAdd(Vec<double, 2> a, Vec<double, 2> b, Vec<double,
 ZOV_INLINE Vec<double, 4> MulAdd(Vec<double, 4> a, Vec<double, 4> b, Vec<double, 4> c) {
   return {_mm256_fmadd_pd(a.v, b.v, c.v)};
 }
+// a * b with the even lanes of c subtracted and the odd ones added, and the other way round.
+ZOV_INLINE Vec<float, 8> MulSubAdd(Vec<float, 8> a, Vec<float, 8> b, Vec<float, 8> c) {
+  return {_mm256_fmaddsub_ps(a.v, b.v, c.v)};
+}
+ZOV_INLINE Vec<double, 4> MulSubAdd(Vec<double, 4> a, Vec<double, 4> b, Vec<double, 4> c) {
+  return {_mm256_fmaddsub_pd(a.v, b.v, c.v)};
+}
+ZOV_INLINE Vec<float, 8> MulAddSub(Vec<float, 8> a, Vec<float, 8> b, Vec<float, 8> c) {
+  return {_mm256_fmsubadd_ps(a.v, b.v, c.v)};
+}
+ZOV_INLINE Vec<double, 4> MulAddSub(Vec<double, 4> a, Vec<double, 4> b, Vec<double, 4> c) {
+  return {_mm256_fmsubadd_pd(a.v, b.v, c.v)};
+}
 // c - a * b with one rounding.
 ZOV_INLINE Vec<float, 8> NegMulAdd(Vec<float, 8> a, Vec<float, 8> b, Vec<float, 8> c) {
   return {_mm256_fnmadd_ps(a.v, b.v, c.v)};

@@ -97,9 +97,8 @@ struct Interleaved {
   friend ZOV_INLINE Interleaved operator-(Interleaved a, Interleaved b) { return {a.v - b.v}; }
   friend ZOV_INLINE Interleaved operator*(Interleaved a, T x) { return {a.v * V::Broadcast(x)}; }
 
-  // -i a and i a
+  // -i a
   ZOV_INLINE Interleaved MinusI() const { return {Conjugate(SwapParts(v))}; }
-  ZOV_INLINE Interleaved PlusI() const { return {SwapParts(Conjugate(v))}; }
 
   // a w for the factors w = (re, im) given as (re, re) and (-im, im); and a conj(w).
   ZOV_INLINE Interleaved Times(V re, V im) const { return {Fma(SwapParts(v), im, v * re)}; }
@@ -141,13 +140,57 @@ struct Split {
   }
 };
 
+// (re - re', im + im') of each pair, and (re + re', im - im').
+template <class V>
+ZOV_INLINE V SubAdd(V a, V b) {
+#if defined(__SSE3__)
+  if constexpr (V::kBytes == 16 && V::kLanes == 4) return {_mm_addsub_ps(a.v, b.v)};
+  if constexpr (V::kBytes == 16 && V::kLanes == 2) return {_mm_addsub_pd(a.v, b.v)};
+#if defined(__AVX__)
+  if constexpr (V::kLanes == 8) return {_mm256_addsub_ps(a.v, b.v)};
+  if constexpr (V::kBytes == 32 && V::kLanes == 4) return {_mm256_addsub_pd(a.v, b.v)};
+#endif
+#else
+  using T = typename V::Lane;
+  return a + (b ^ (ImagSigns<T, V::kLanes>() ^ V::Broadcast(static_cast<T>(-0.0))));
+#endif
+}
+template <class V>
+ZOV_INLINE V AddSub(V a, V b) {
+#if defined(__FMA__)
+  return MulAddSub(a, V::Broadcast(1), b);
+#else
+  return a + (b ^ ImagSigns<typename V::Lane, V::kLanes>());
+#endif
+}
+
+// SubAdd(a * b, c) and AddSub(a * b, c).
+template <class V>
+ZOV_INLINE V FusedSubAdd(V a, V b, V c) {
+#if defined(__FMA__)
+  return MulSubAdd(a, b, c);
+#else
+  return SubAdd(a * b, c);
+#endif
+}
+template <class V>
+ZOV_INLINE V FusedAddSub(V a, V b, V c) {
+#if defined(__FMA__)
+  return MulAddSub(a, b, c);
+#else
+  return AddSub(a * b, c);
+#endif
+}
+
 // plus = a - i b and minus = a + i b; the other way round for the inverse.
 template <bool kInverse, class T>
 ZOV_INLINE void QuarterTurn(Interleaved<T> a, Interleaved<T> b, Interleaved<T>& plus,
                             Interleaved<T>& minus) {
-  const Interleaved<T> turned = b.MinusI();
-  plus = kInverse ? a - turned : a + turned;
-  minus = kInverse ? a + turned : a - turned;
+  const Lanes<T> swapped = SwapParts(b.v);
+  const Interleaved<T> down = {AddSub(a.v, swapped)};
+  const Interleaved<T> up = {SubAdd(a.v, swapped)};
+  plus = kInverse ? up : down;
+  minus = kInverse ? down : up;
 }
 template <bool kInverse, class T>
 ZOV_INLINE void QuarterTurn(Split<T> a, Split<T> b, Split<T>& plus, Split<T>& minus) {
@@ -162,13 +205,15 @@ inline constexpr double kSqrtHalf = 0.70710678118654752440;
 // a times the first and the third power of exp(-2 pi i / 8), conjugated for the inverse.
 template <bool kInverse, class T>
 ZOV_INLINE void EighthTurn(Interleaved<T>& a) {
-  const Interleaved<T> turned = a.MinusI();
-  a = (kInverse ? a - turned : a + turned) * static_cast<T>(kSqrtHalf);
+  const Lanes<T> root = Lanes<T>::Broadcast(static_cast<T>(kSqrtHalf));
+  const Lanes<T> swapped = SwapParts(a.v);
+  a.v = kInverse ? SubAdd(a.v, swapped) * root : AddSub(a.v, swapped) * root;
 }
 template <bool kInverse, class T>
 ZOV_INLINE void ThreeEighthsTurn(Interleaved<T>& a) {
-  const Interleaved<T> turned = a.MinusI();
-  a = (kInverse ? a + turned : turned - a) * static_cast<T>(kInverse ? -kSqrtHalf : kSqrtHalf);
+  const Lanes<T> root = Lanes<T>::Broadcast(static_cast<T>(-kSqrtHalf));
+  const Lanes<T> swapped = SwapParts(a.v);
+  a.v = kInverse ? AddSub(a.v, swapped) * root : SubAdd(a.v, swapped) * root;
 }
 template <bool kInverse, class T>
 ZOV_INLINE void EighthTurn(Split<T>& a) {
@@ -220,8 +265,9 @@ ZOV_INLINE Interleaved<T> Turn(Interleaved<T> a) {
   return a.template TimesConstant<kInverse>(kRe, kIm);
 }
 
-// A transform of 16 values in two halves, x[n] in, X[k] at x[k / 4 + k % 4 * 4]: the first, for each
-// column n < 4 on its own, transforms x[n], x[n + 4], ... and turns the results.
+// A transform of 16 values in two halves, x[n] in, X[k] at x[k / 4 + k % 4 * 4]: the first, for
+// each column n < 4 on its own, transforms x[n], x[n + 4], ... and turns the results, but for
+// x[10], whose quarter turn is left to the second half.
 template <int n, bool kInverse, class T>
 ZOV_INLINE void Transform16Column(Interleaved<T> (&x)[16]) {
   Transform4<kInverse>(x[n], x[n + 4], x[n + 8], x[n + 12]);
@@ -232,7 +278,6 @@ ZOV_INLINE void Transform16Column(Interleaved<T> (&x)[16]) {
   }
   if constexpr (n == 2) {
     EighthTurn<kInverse>(x[6]);
-    x[10] = kInverse ? x[10].PlusI() : x[10].MinusI();
     ThreeEighthsTurn<kInverse>(x[14]);
   }
   if constexpr (n == 3) {
@@ -243,9 +288,16 @@ ZOV_INLINE void Transform16Column(Interleaved<T> (&x)[16]) {
 }
 template <bool kInverse, class T>
 ZOV_INLINE void Transform16Rows(Interleaved<T> (&x)[16]) {
+  using C = Interleaved<T>;
   Transform4<kInverse>(x[0], x[1], x[2], x[3]);
   Transform4<kInverse>(x[4], x[5], x[6], x[7]);
-  Transform4<kInverse>(x[8], x[9], x[10], x[11]);
+  C s0, d0;
+  QuarterTurn<kInverse>(x[8], x[10], s0, d0);
+  const C s1 = x[9] + x[11];
+  const C d1 = x[9] - x[11];
+  x[8] = s0 + s1;
+  x[10] = s0 - s1;
+  QuarterTurn<kInverse>(d0, d1, x[9], x[11]);
   Transform4<kInverse>(x[12], x[13], x[14], x[15]);
 }
 

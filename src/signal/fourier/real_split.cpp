@@ -34,22 +34,25 @@ ZOV_INLINE V FarOrder(V a) {
 // From z = Z[k] and y = Z[M - k] with the factors w = (c, s) the values X[k] and X[M - k].
 template <Formula kFormula, class T>
 ZOV_INLINE void SplitPair(Interleaved<T>& z, Interleaved<T>& y, Interleaved<T> w) {
-  const Interleaved<T> mirrored = {Conjugate(y.v)};
-  Interleaved<T> difference = z - mirrored;
-  Interleaved<T> high = z;
-  Interleaved<T> low = mirrored;
+  using V = Lanes<T>;
+  V difference = SubAdd(z.v, y.v);  // z - conj(y)
+  V sum{};                          // z + conj(y)
+  if constexpr (kFormula != Formula::forward) sum = AddSub(z.v, y.v);
   if constexpr (kFormula == Formula::forwardTwoLevel) {
-    difference = difference * static_cast<T>(0.5);
-    high = low = (z + mirrored) * static_cast<T>(0.5);
+    difference = difference * V::Broadcast(static_cast<T>(0.5));
+    sum = sum * V::Broadcast(static_cast<T>(0.5));
   }
-  if constexpr (kFormula == Formula::inverse) high = low = z + mirrored;
-  const auto c = RealParts(w.v);
-  const auto s = ImagParts(w.v);
-  const auto turned = difference.MinusI().v;
-  const Interleaved<T> change = {kFormula == Formula::inverse ? Fnma(turned, c, difference.v * s)
-                                                              : Fma(turned, c, difference.v * s)};
-  z = low + change;
-  y = {Conjugate((high - change).v)};
+  const V turned = SwapParts(difference) * RealParts(w.v);
+  const V change = kFormula == Formula::inverse ? FusedSubAdd(difference, ImagParts(w.v), turned)
+                                                : FusedAddSub(difference, ImagParts(w.v), turned);
+  if constexpr (kFormula == Formula::forward) {
+    const V high = z.v;
+    z.v = AddSub(change, y.v);
+    y.v = Conjugate(high - change);
+  } else {
+    z.v = sum + change;
+    y.v = Conjugate(sum - change);
+  }
 }
 
 template <Formula kFormula, class T>

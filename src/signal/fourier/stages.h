@@ -79,8 +79,8 @@ ZOV_INLINE const T* StageRun(int logRadix, const T* in, Index inStep, T* out, In
              : Radix8Run<T, kForm, kScaled>(in, inStep, out, outStep, twiddles, count, scale);
 }
 
-// The second half of transforms of 16 values in vectors; lane j goes as split groups to the place of
-// its block.
+// The second half of transforms of 16 values in vectors; lane j goes as split groups to the place
+// of its block.
 template <class T, bool kInverse>
 ZOV_INLINE void FinishFirst(Interleaved<T> (&x)[16], T* const* places) {
   constexpr int C = Interleaved<T>::kLanes;
@@ -125,12 +125,16 @@ ZOV_INLINE void FirstPassReversed(const T* src, T* dst, int c, const Zov32s* rev
 
   constexpr Index kPage = 4096;
   if (sixteenth * static_cast<Index>(2 * sizeof(T)) < kPage) {
+    const Index step = 2 * sixteenth;
     for (Index r = 0; r < sixteenth; r += C::kLanes) {
       C x[16];
-      Unroll<16>(ZOV_UNROLLED(i) {
-        constexpr int n = decltype(i)::value;
-        x[n] = C::Load(src + 2 * (r + n * sixteenth));
-      });
+      const T* row = src + 2 * r;
+      for (int n = 0; n < 16; n += 4, row += 4 * step) {
+        x[n] = C::Load(row);
+        x[n + 1] = C::Load(row + step);
+        x[n + 2] = C::Load(row + 2 * step);
+        x[n + 3] = C::Load(row + 3 * step);
+      }
       Unroll<4>(ZOV_UNROLLED(i) { Transform16Column<decltype(i)::value, kInverse>(x); });
       finish(r, x);
     }
