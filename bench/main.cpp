@@ -116,6 +116,7 @@ int main(int argc, char** argv) {
   AddArithmeticCases(cases);
   AddSearchCases(cases);
   AddResizeCases(cases);
+  AddFftCases(cases);
   for (const Case& each : cases) {
     const std::string name = each.family + "/" + each.operation + "/" + each.size;
     benchmark::RegisterBenchmark(

@@ -14,7 +14,7 @@ struct Case {
   std::string family;
   std::string operation;  // the export, with what tells its cases apart
   std::string size;
-  const char* unit;  // GB/s, Melem/s or Mpix/s; the work below is in bytes, elements or pixels
+  const char* unit;  // GB/s, GFLOP/s, Melem/s or Mpix/s; the work below in bytes, operations...
   double work;       // of one call
   std::function<void(Contest&)> setUp;
 };
@@ -26,6 +26,7 @@ void AddMemoryCases(Cases& cases);
 void AddArithmeticCases(Cases& cases);
 void AddSearchCases(Cases& cases);
 void AddResizeCases(Cases& cases);
+void AddFftCases(Cases& cases);
 
 // "256 B", "16 KiB", "4 MiB"
 std::string BytesLabel(std::size_t bytes);

@@ -22,6 +22,7 @@ AIMS = [
     Aim("resize", "8u C1", 3.0, 1.5, "operation"),
     Aim("resize", "8u C4", 1.5, 1.0, "operation"),
     Aim("resize", "32f C1", 1.5, 1.0, "operation"),
+    Aim("fft", ".*", 1.1, 1.0, "size"),
 ]
 HIGHEST_LEVEL = 6
 LEAST_STEP = 0.95  # a level against the one below
@@ -48,7 +49,7 @@ class Case:
 
     def throughput(self, figure):
         """In the case's unit: work a nanosecond is giga, times 1000 is mega."""
-        return self.work / figure.ns * (1 if self.unit == "GB/s" else 1000)
+        return self.work / figure.ns * (1 if self.unit.startswith("G") else 1000)
 
     @property
     def ratio(self):

@@ -1296,7 +1296,7 @@ typedef struct ZovFFTSpec_R_32f ZovFFTSpec_R_32f;
  * ::zovStsFftOrderErr (order above the limit), ::zovStsMemAllocErr, ::zovStsNoErr
  */
 KELO_API ZovStatus Kelo_zovsFFTInitAlloc_R_32f(ZovFFTSpec_R_32f** ppSpec, int order, int flag,
-                                                int hint);
+                                               int hint);
 
 /**
  * @brief Releases an object of Kelo_zovsFFTInitAlloc_R_32f().
@@ -1321,7 +1321,7 @@ KELO_API ZovStatus Kelo_zovsFFTFree_R_32f(ZovFFTSpec_R_32f* pSpec);
  * ::zovStsMemAllocErr, ::zovStsNoErr
  */
 KELO_API ZovStatus Kelo_zovsFFTFwd_RToCCS_32f(const Zov32f* pSrc, Zov32f* pDst,
-                                               const ZovFFTSpec_R_32f* pSpec, Zov8u* pBuffer);
+                                              const ZovFFTSpec_R_32f* pSpec, Zov8u* pBuffer);
 
 /**
  * @brief Inverse transform of a CCS spectrum to N real values.
@@ -1336,7 +1336,7 @@ KELO_API ZovStatus Kelo_zovsFFTFwd_RToCCS_32f(const Zov32f* pSrc, Zov32f* pDst,
  * ::zovStsMemAllocErr, ::zovStsNoErr
  */
 KELO_API ZovStatus Kelo_zovsFFTInv_CCSToR_32f(const Zov32f* pSrc, Zov32f* pDst,
-                                               const ZovFFTSpec_R_32f* pSpec, Zov8u* pBuffer);
+                                              const ZovFFTSpec_R_32f* pSpec, Zov8u* pBuffer);
 
 /** Prepared state of real transforms of one length of `Zov64f` values; opaque. */
 typedef struct ZovFFTSpec_R_64f ZovFFTSpec_R_64f;
@@ -1353,7 +1353,7 @@ typedef struct ZovFFTSpec_R_64f ZovFFTSpec_R_64f;
  * ::zovStsFftOrderErr (order above the limit), ::zovStsMemAllocErr, ::zovStsNoErr
  */
 KELO_API ZovStatus Kelo_zovsFFTInitAlloc_R_64f(ZovFFTSpec_R_64f** ppSpec, int order, int flag,
-                                                int hint);
+                                               int hint);
 
 /**
  * @brief Releases an object of Kelo_zovsFFTInitAlloc_R_64f().
@@ -1378,7 +1378,7 @@ KELO_API ZovStatus Kelo_zovsFFTFree_R_64f(ZovFFTSpec_R_64f* pSpec);
  * ::zovStsMemAllocErr, ::zovStsNoErr
  */
 KELO_API ZovStatus Kelo_zovsFFTFwd_RToCCS_64f(const Zov64f* pSrc, Zov64f* pDst,
-                                               const ZovFFTSpec_R_64f* pSpec, Zov8u* pBuffer);
+                                              const ZovFFTSpec_R_64f* pSpec, Zov8u* pBuffer);
 
 /**
  * @brief Inverse transform of a CCS spectrum to N real values.
@@ -1393,7 +1393,7 @@ KELO_API ZovStatus Kelo_zovsFFTFwd_RToCCS_64f(const Zov64f* pSrc, Zov64f* pDst,
  * ::zovStsMemAllocErr, ::zovStsNoErr
  */
 KELO_API ZovStatus Kelo_zovsFFTInv_CCSToR_64f(const Zov64f* pSrc, Zov64f* pDst,
-                                               const ZovFFTSpec_R_64f* pSpec, Zov8u* pBuffer);
+                                              const ZovFFTSpec_R_64f* pSpec, Zov8u* pBuffer);
 
 /** @} */
 

@@ -92,7 +92,7 @@ struct StagePlan {
   std::int8_t logRadix[15];
 };
 
-consteval StagePlan PlanStages(int c) {
+constexpr StagePlan PlanStages(int c) {
   StagePlan plan{};
   for (int size = 4; size < c;) {
     const int rest = c - size;
@@ -106,7 +106,7 @@ consteval StagePlan PlanStages(int c) {
 struct StagePlans {
   StagePlan of[31];
 };
-consteval StagePlans PlanAllStages() {
+constexpr StagePlans PlanAllStages() {
   StagePlans plans{};
   for (int c = 6; c < 31; ++c) plans.of[c] = PlanStages(c);
   return plans;

@@ -5,6 +5,7 @@
 #include "core/checks.h"
 #include "core/entries.h"
 #include "core/memory.h"
+#include "core/simd.h"
 #include "signal/fourier/complex_transform.h"
 #include "signal/fourier/limits.h"
 #include "signal/fourier/real_split.h"
@@ -111,16 +112,23 @@ ZovStatus Inverse(const T* src, T* dst, const FftSpec<T>* spec, Zov8u* pWork) {
   if (const ZovStatus status = memory.Take(pWork, spec->workBytes)) return status;
   const T first = src[0];
   const T last = src[kSpectrum == Spectrum::packed ? 1 : length - kRunning];
+  // In one pass the transform goes on best from the work buffer into the destination; the other
+  // routes work in place.
+  constexpr const FftLimits& kLimits = FftLimitsOf<T>(kLevel);
+  const int c = spec->order - 1;
+  const bool onePass = spec->order > kLimits.lastSmall && c <= kLimits.lastWhole &&
+                       c < kLimits.inPlaceFrom && IsAligned<32>(dst);
+  T* const values = onePass ? memory.work : dst;
   if constexpr (kRunning) {
-    // To the packed form in the destination, from the end, as that may be the source.
-    for (Index i = length - 1; i >= 2; --i) dst[i] = src[i - 1];
-    InverseSplit(static_cast<const T*>(dst), dst, *spec);
+    // To the packed form, from the end, as the destination may be the source.
+    for (Index i = length - 1; i >= 2; --i) values[i] = src[i - 1];
+    InverseSplit(static_cast<const T*>(values), values, *spec);
   } else {
-    InverseSplit(src, dst, *spec);
+    InverseSplit(src, values, *spec);
   }
-  dst[0] = first + last;
-  dst[1] = first - last;
-  ComplexTransform<T, true>(dst, dst, *spec, memory.work);
+  values[0] = first + last;
+  values[1] = first - last;
+  ComplexTransform<T, true>(values, dst, *spec, memory.work);
   memory.Release();
   return zovStsNoErr;
 }

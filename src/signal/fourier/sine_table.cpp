@@ -13,7 +13,7 @@ struct QuarterWave {
 };
 
 template <class T>
-consteval QuarterWave<T> MakeQuarterWave() {
+constexpr QuarterWave<T> MakeQuarterWave() {
   QuarterWave<T> wave{};
   for (int j = 0; j <= 128; ++j) {
     wave.values[256 - j] = static_cast<T>(static_cast<double>(CosineOfEighth(j, 1024)));

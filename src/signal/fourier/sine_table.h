@@ -8,7 +8,7 @@
 namespace zov {
 
 // sin(2 pi k / n) for 0 <= k / n <= 1/8, summed at compile time beyond double precision.
-consteval long double SineOfEighth(long double k, long double n) {
+constexpr long double SineOfEighth(long double k, long double n) {
   const long double x = 6.283185307179586476925286766559005768L * k / n;
   long double term = x;
   long double sum = x;
@@ -18,7 +18,7 @@ consteval long double SineOfEighth(long double k, long double n) {
   }
   return sum;
 }
-consteval long double CosineOfEighth(long double k, long double n) {
+constexpr long double CosineOfEighth(long double k, long double n) {
   const long double x = 6.283185307179586476925286766559005768L * k / n;
   long double term = 1;
   long double sum = 1;
@@ -30,7 +30,7 @@ consteval long double CosineOfEighth(long double k, long double n) {
 }
 
 // cos(2 pi k / n) and sin(2 pi k / n), for the constants of straight-line kernels.
-consteval long double CosineOfTurn(int k, int n) {
+constexpr long double CosineOfTurn(int k, int n) {
   k = (k % n + n) % n;
   if (2 * k > n) k = n - k;
   const bool left = 4 * k > n;
@@ -39,7 +39,7 @@ consteval long double CosineOfTurn(int k, int n) {
   const long double value = 4 * a <= n ? CosineOfEighth(a, 2 * n) : SineOfEighth(n - 2 * a, 4 * n);
   return left ? -value : value;
 }
-consteval long double SineOfTurn(int k, int n) { return CosineOfTurn(4 * k - n, 4 * n); }
+constexpr long double SineOfTurn(int k, int n) { return CosineOfTurn(4 * k - n, 4 * n); }
 
 // The constant quarter wave, of 2^kSineTableOrder points: entry j is sin(2 pi j / 1024), j from 0
 // to 256.

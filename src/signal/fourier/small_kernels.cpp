@@ -134,7 +134,7 @@ struct SmallTwiddles {
   T im[rows][2 * n / rows];
 };
 template <class T, int n, int rows>
-consteval SmallTwiddles<T, n, rows> MakeSmallTwiddles() {
+constexpr SmallTwiddles<T, n, rows> MakeSmallTwiddles() {
   SmallTwiddles<T, n, rows> table{};
   for (int k = 0; k < rows; ++k) {
     for (int m = 0; m < n / rows; ++m) {
@@ -206,7 +206,7 @@ void ComplexKernel(const T* src, T* dst, T scale) {
 
 // The kernel of an order; null where the level has none.
 template <class T, int order, bool kInverse, bool kScaled>
-consteval SmallKernel<T> KernelOf() {
+constexpr SmallKernel<T> KernelOf() {
   constexpr FftLimits kLimits = FftLimitsOf<T>(kLevel);
   if constexpr (order <= kLimits.lastReal) {
     return kInverse ? nullptr : RealForwardKernel<T, 1 << order, kScaled>;
@@ -217,7 +217,7 @@ consteval SmallKernel<T> KernelOf() {
   }
 }
 template <class T, int order, bool kScaled>
-consteval RealInverseKernel<T> RealInverseOf() {
+constexpr RealInverseKernel<T> RealInverseOf() {
   if constexpr (order <= FftLimitsOf<T>(kLevel).lastReal) {
     return RealInverseKernelOf<T, 1 << order, kScaled>;
   } else {
@@ -226,7 +226,7 @@ consteval RealInverseKernel<T> RealInverseOf() {
 }
 
 template <class T, int... order, int... realOrder>
-consteval SmallKernels<T> MakeKernels(std::integer_sequence<int, order...>,
+constexpr SmallKernels<T> MakeKernels(std::integer_sequence<int, order...>,
                                       std::integer_sequence<int, realOrder...>) {
   return {{KernelOf<T, order, false, false>()...},   {KernelOf<T, order, false, true>()...},
           {KernelOf<T, order, true, false>()...},    {KernelOf<T, order, true, true>()...},

@@ -255,7 +255,9 @@ TYPED_TEST(FftObjects, FailedAllocationReleasesAll) {
       const ZovStatus status = Fft<TypeParam>::Init(level)(&spec, 12, ZOV_FFT_SCALE_NONE, 0);
       EXPECT_EQ(status, grants < 2 ? zovStsMemAllocErr : zovStsNoErr);
       EXPECT_EQ(live, grants < 2 ? 0 : 1);
-      if (spec != nullptr) EXPECT_EQ(Fft<TypeParam>::Free(level)(spec), zovStsNoErr);
+      if (spec != nullptr) {
+        EXPECT_EQ(Fft<TypeParam>::Free(level)(spec), zovStsNoErr);
+      }
       EXPECT_EQ(live, 0);
     }
   });
