@@ -81,6 +81,7 @@ int main(int argc, char** argv) {
   SmokeConversion();
   SmokeStatistics();
   SmokeResize();
+  SmokeFft();
   SmokeLarge();
 
   FILE* const list = fopen(argv[1], "r");

@@ -34,5 +34,6 @@ void SmokeArithmetic(void);
 void SmokeConversion(void);
 void SmokeStatistics(void);
 void SmokeResize(void);
+void SmokeFft(void);
 
 #endif
