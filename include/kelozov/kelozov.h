@@ -1092,6 +1092,252 @@ KELO_API ZovStatus Kelo_zovsNormalize_64f(const Zov64f* pSrc, Zov64f* pDst, int 
 
 /** @} */
 
+/** @defgroup maths Vector maths at stated accuracies */
+/** @{
+ *
+ * The class ends the name: at least 11, 21 or 24 correct significant bits, which is a relative
+ * error below 2^-11 or 2^-21, or an error below one unit in the last place, over the whole domain.
+ * Results of different levels may differ within the class; at one level a result depends on its
+ * element only, except that Kelo_zovsExp_32f_A11 and Kelo_zovsExp_32f at AVX and AVX2 may take
+ * elements at the end of an array, or near one outside the ordinary range, by another formula of
+ * the class.
+ *
+ * A NaN gives a quiet NaN. An element with a range problem gets the value told at the function, and
+ * a positive status at the end tells the problem of the last such element in the order of the
+ * array. For the time of a call the floating-point exceptions are masked; at its end the masks are
+ * as they were, and no exception flag of the call is left. The rounding mode must be to nearest.
+ */
+
+/**
+ * @brief pDst[i] = arc cosine of pSrc[i], from 0 to pi.
+ * A magnitude above 1 gives a NaN and ::zovStsDomainWrn.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDomainWrn,
+ * ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAcos_32f_A11(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = arc sine of pSrc[i], from -pi/2 to pi/2.
+ * A magnitude above 1 gives a NaN and ::zovStsDomainWrn.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDomainWrn,
+ * ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAsin_32f_A11(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = arc tangent of pSrc[i]; an infinity gives pi/2 with its sign.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAtan_32f_A11(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = arc tangent of pSrc1[i] / pSrc2[i] in its quadrant, from -pi to pi.
+ * A non-zero ordinate over a zero gives pi/2, a zero ordinate and an abscissa with its sign bit set
+ * give pi, both with the sign of the ordinate; a zero ordinate and an abscissa with a clear sign
+ * bit give the ordinate.
+ * @param pSrc1 ordinates, @p len elements
+ * @param pSrc2 abscissas, @p len elements
+ * @param pDst destination, @p len elements; may equal a source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAtan2_32f_A11(const Zov32f* pSrc1, const Zov32f* pSrc2, Zov32f* pDst,
+                                          int len);
+
+/**
+ * @brief pDst[i] = the smallest integer that is not below pSrc[i].
+ * The sign of a zero result is that of the element: the ceiling of -0.5 is -0.
+ * The length is tested before the pointers.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsSizeErr (len below 1), ::zovStsNullPtrErr, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsCeil_32f(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = cosine of pSrc[i] radians.
+ * An infinity gives a NaN and ::zovStsDomainWrn.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDomainWrn,
+ * ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsCos_32f_A11(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = hyperbolic cosine of pSrc[i].
+ * A magnitude of 89.415993 or more, an infinity included, gives an infinity and
+ * ::zovStsOverflowWrn.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsOverflowWrn,
+ * ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsCosh_32f_A11(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = e to the power pSrc[i].
+ * From 88.722839 on the result is infinite, with ::zovStsOverflowWrn for a finite element. Below
+ * -87.336548 it is denormal or zero, with ::zovStsUnderflowWrn for a finite element; zero below
+ * -103.27894, at AVX and AVX2 below -103.97208.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsOverflowWrn,
+ * ::zovStsUnderflowWrn, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsExp_32f_A11(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = the largest integer that is not above pSrc[i].
+ * The sign of a zero result is that of the element.
+ * The length is tested before the pointers.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsSizeErr (len below 1), ::zovStsNullPtrErr, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsFloor_32f(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = natural logarithm of pSrc[i].
+ * A zero of either sign gives negative infinity and ::zovStsSingularityWrn, a negative element a
+ * NaN and ::zovStsDomainWrn.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsSingularityWrn,
+ * ::zovStsDomainWrn, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsLn_32f_A11(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = common logarithm of pSrc[i].
+ * A zero of either sign gives negative infinity and ::zovStsSingularityWrn, a negative element a
+ * NaN and ::zovStsDomainWrn.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsSingularityWrn,
+ * ::zovStsDomainWrn, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsLog10_32f_A11(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = common logarithm of pSrc[i].
+ * A zero of either sign gives negative infinity and ::zovStsSingularityWrn, a negative element a
+ * NaN and ::zovStsDomainWrn.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsSingularityWrn,
+ * ::zovStsDomainWrn, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsLog10_32f_A21(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc1[i] to the power pSrc2[i].
+ * A negative base with an exponent that is no integer gives a NaN and ::zovStsDomainWrn; other
+ * special cases are those of the C function pow.
+ * @param pSrc1 bases, @p len elements
+ * @param pSrc2 exponents, @p len elements
+ * @param pDst destination, @p len elements; may equal a source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDomainWrn, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsPow_32f_A11(const Zov32f* pSrc1, const Zov32f* pSrc2, Zov32f* pDst,
+                                        int len);
+
+/**
+ * @brief pDst[i] = pSrc1[i] to the power pSrc2[i].
+ * A negative base with an exponent that is no integer gives a NaN and ::zovStsDomainWrn; other
+ * special cases are those of the C function pow.
+ * @param pSrc1 bases, @p len elements
+ * @param pSrc2 exponents, @p len elements
+ * @param pDst destination, @p len elements; may equal a source
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDomainWrn, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsPow_32f_A24(const Zov32f* pSrc1, const Zov32f* pSrc2, Zov32f* pDst,
+                                        int len);
+
+/**
+ * @brief pDst[i] = pSrc[i] to the power @p val; the special cases of ::Kelo_zovsPow_32f_A11.
+ * @param pSrc bases, @p len elements
+ * @param val exponent
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDomainWrn, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsPowx_32f_A11(const Zov32f* pSrc, Zov32f val, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc[i] to the power @p val; the special cases of ::Kelo_zovsPow_32f_A24.
+ * @param pSrc bases, @p len elements
+ * @param val exponent
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDomainWrn, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsPowx_32f_A24(const Zov32f* pSrc, Zov32f val, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = sine of pSrc[i] radians.
+ * An infinity gives a NaN and ::zovStsDomainWrn.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDomainWrn,
+ * ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSin_32f_A11(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = hyperbolic sine of pSrc[i].
+ * A magnitude of 89.415993 or more, an infinity included, gives an infinity of the same sign and
+ * ::zovStsOverflowWrn.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsOverflowWrn,
+ * ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSinh_32f_A11(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = tangent of pSrc[i] radians.
+ * An infinity gives a NaN and ::zovStsDomainWrn.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsDomainWrn,
+ * ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsTan_32f_A11(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = hyperbolic tangent of pSrc[i].
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsTanh_32f_A11(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/** @} */
+
 /**
  * @defgroup resize Image resize
  *

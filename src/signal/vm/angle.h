@@ -1,0 +1,35 @@
+// Reduction of angles by multiples of pi, shared by sine, cosine and tangent.
+#pragma once
+
+#include "signal/vm/lanes.h"
+
+namespace zov::ZOV_LEVEL_NAMESPACE {
+
+// Beyond this magnitude an angle takes the exact reduction, out of line.
+constexpr float kLargeAngle = 10000.0F;
+
+ZOV_INLINE void MarkLargeAngle(I& special, F x) {
+  special = special | (AbsBits(x) > Splat(Bits(Splat(kLargeAngle)).v[0] - 1));
+}
+
+// x - n pi for |n| < 2^12 in halves; pi comes in parts whose products with n are exact, save the
+// last. kPart scales pi: 1 or 1/2.
+template <int kDivisor = 1>
+ZOV_INLINE F TakeOffPi(F x, F n) {
+#if defined(__FMA__)
+  x = Fma(n, Splat(-0x1.921fb6p+1F / kDivisor), x);
+  return Fma(n, Splat(0x1.777a5cp-24F / kDivisor), x);
+#else
+  x = x - n * Splat(0x1.92p+1F / kDivisor);
+  x = x - n * Splat(0x1.fbp-11F / kDivisor);
+  return x - n * Splat(0x1.5110b4p-21F / kDivisor);
+#endif
+}
+
+template <int kDivisor = 1>
+ZOV_INLINE W TakeOffPi(W x, W n) {
+  return Fma(n, Splat(-0x1.0b4611a626331p-33 / kDivisor),
+             Fma(n, Splat(-0x1.921fb544p+1 / kDivisor), x));
+}
+
+}  // namespace zov::ZOV_LEVEL_NAMESPACE

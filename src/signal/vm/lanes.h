@@ -1,0 +1,171 @@
+// The vectors of the maths kernels: F, a register of floats; I, its bits as integers; and W, the
+// same lanes in double precision, in two registers.
+#pragma once
+
+#include "core/simd.h"
+
+namespace zov::ZOV_LEVEL_NAMESPACE {
+
+using F = VecF;
+using I = Vec<std::int32_t, F::kLanes>;
+using L = Vec<std::int64_t, VecD::kLanes>;
+
+constexpr std::int32_t kAbsMask = 0x7FFFFFFF;
+constexpr std::int32_t kSignMask = INT32_MIN;
+constexpr std::int32_t kInfinityBits = 0x7F800000;
+
+struct W {
+  VecD a, b;
+
+  using Lane = double;
+  static ZOV_INLINE W Broadcast(double x) { return {VecD::Broadcast(x), VecD::Broadcast(x)}; }
+  friend ZOV_INLINE W operator+(W x, W y) { return {x.a + y.a, x.b + y.b}; }
+  friend ZOV_INLINE W operator-(W x, W y) { return {x.a - y.a, x.b - y.b}; }
+  friend ZOV_INLINE W operator*(W x, W y) { return {x.a * y.a, x.b * y.b}; }
+  friend ZOV_INLINE W operator/(W x, W y) { return {x.a / y.a, x.b / y.b}; }
+};
+
+// A constant in every lane.
+ZOV_INLINE F Splat(float x) { return F::Broadcast(x); }
+ZOV_INLINE I Splat(std::int32_t x) { return I::Broadcast(x); }
+ZOV_INLINE W Splat(double x) { return W::Broadcast(x); }
+
+// a * b + c, with one rounding where the level has fused instructions and two where it has not. The
+// classes of accuracy hold either way.
+ZOV_INLINE F Fma(F a, F b, F c) {
+#if defined(__FMA__)
+  return MulAdd(a, b, c);
+#else
+  return a * b + c;
+#endif
+}
+ZOV_INLINE W Fma(W a, W b, W c) {
+#if defined(__FMA__)
+  return {MulAdd(a.a, b.a, c.a), MulAdd(a.b, b.b, c.b)};
+#else
+  return a * b + c;
+#endif
+}
+
+// c[0] + c[1] x + c[2] x^2 + ...
+template <class V, int N>
+ZOV_INLINE V Polynomial(V x, const typename V::Lane (&c)[N]) {
+  V p = Splat(c[N - 1]);
+  for (int k = N - 2; k >= 0; --k) p = Fma(p, x, Splat(c[k]));
+  return p;
+}
+
+ZOV_INLINE I Bits(F x) { return As<std::int32_t>(x); }
+ZOV_INLINE F FromBits(I x) { return As<float>(x); }
+ZOV_INLINE I AbsBits(F x) { return Bits(x) & Splat(kAbsMask); }
+ZOV_INLINE F Abs(F x) { return FromBits(AbsBits(x)); }
+ZOV_INLINE F SignOf(F x) { return FromBits(Bits(x) & Splat(kSignMask)); }
+template <int kCount>
+ZOV_INLINE I ShiftLeft(I x) {
+  return {x.v << kCount};
+}
+template <int kCount>
+ZOV_INLINE I ShiftRight(I x) {
+  return {x.v >> kCount};
+}
+
+ZOV_INLINE F ToFloat(I x) { return {__builtin_convertvector(x.v, F::Native)}; }
+
+ZOV_INLINE W ToDouble(F x) {
+#if defined(__AVX__)
+  return {{_mm256_cvtps_pd(_mm256_castps256_ps128(x.v))},
+          {_mm256_cvtps_pd(_mm256_extractf128_ps(x.v, 1))}};
+#else
+  return {{_mm_cvtps_pd(x.v)}, {_mm_cvtps_pd(_mm_movehl_ps(x.v, x.v))}};
+#endif
+}
+
+ZOV_INLINE F ToFloat(W x) {
+#if defined(__AVX__)
+  return {_mm256_insertf128_ps(_mm256_castps128_ps256(_mm256_cvtpd_ps(x.a.v)),
+                               _mm256_cvtpd_ps(x.b.v), 1)};
+#else
+  return {_mm_movelh_ps(_mm_cvtpd_ps(x.a.v), _mm_cvtpd_ps(x.b.v))};
+#endif
+}
+
+// Bitwise choices in double precision: the masks come from compares of W.
+struct WideMask {
+  L a, b;
+};
+ZOV_INLINE WideMask operator>(W x, W y) { return {x.a > y.a, x.b > y.b}; }
+ZOV_INLINE W Select(WideMask mask, W x, W y) {
+  return {Select(mask.a, x.a, y.a), Select(mask.b, x.b, y.b)};
+}
+ZOV_INLINE W Sqrt(W x) { return {Sqrt(x.a), Sqrt(x.b)}; }
+ZOV_INLINE W Min(W x, W y) { return {Min(x.a, y.a), Min(x.b, y.b)}; }
+ZOV_INLINE W Max(W x, W y) { return {Max(x.a, y.a), Max(x.b, y.b)}; }
+ZOV_INLINE W Abs(W x) {
+  const VecD mask = As<double>(L::Broadcast(INT64_MAX));
+  return {x.a & mask, x.b & mask};
+}
+ZOV_INLINE W SignOf(W x) {
+  const VecD mask = As<double>(L::Broadcast(INT64_MIN));
+  return {x.a & mask, x.b & mask};
+}
+ZOV_INLINE W Xor(W x, W y) { return {x.a ^ y.a, x.b ^ y.b}; }
+
+// sign bit of mask ? a : b
+ZOV_INLINE F SelectBySign(F mask, F a, F b) {
+#if defined(__AVX__)
+  return {_mm256_blendv_ps(b.v, a.v, mask.v)};
+#else
+  return Select(ShiftRight<31>(Bits(mask)), a, b);
+#endif
+}
+ZOV_INLINE W SelectBySign(W mask, W a, W b) {
+#if defined(__AVX__)
+  return {{_mm256_blendv_pd(b.a.v, a.a.v, mask.a.v)}, {_mm256_blendv_pd(b.b.v, a.b.v, mask.b.v)}};
+#else
+  // A set sign bit makes the compared number negative.
+  const auto negative = [](VecD m) { return VecD::Zero() > (m | VecD::Broadcast(1.0)); };
+  return {Select(negative(mask.a), a.a, b.a), Select(negative(mask.b), a.b, b.b)};
+#endif
+}
+
+// Adding the shifter rounds to an integer, which is left in the low bits of the sum.
+constexpr float kShifter = 0x1.8p23F;
+constexpr double kWideShifter = 0x1.8p52;
+
+// x * 2^n, n in the low bits of a sum with the shifter; the result is normal.
+ZOV_INLINE F Scale(F x, F shifted) { return FromBits(Bits(x) + ShiftLeft<23>(Bits(shifted))); }
+ZOV_INLINE VecD Scale(VecD x, VecD shifted) {
+  return As<double>(As<std::int64_t>(x) + L{As<std::int64_t>(shifted).v << 52});
+}
+ZOV_INLINE W Scale(W x, W shifted) { return {Scale(x.a, shifted.a), Scale(x.b, shifted.b)}; }
+
+// The sign bit that an odd integer in the low bits of a sum with the shifter gives.
+ZOV_INLINE F OddSign(F shifted) { return FromBits(ShiftLeft<31>(Bits(shifted))); }
+ZOV_INLINE W OddSign(W shifted) {
+  return {As<double>(L{As<std::int64_t>(shifted.a).v << 63}),
+          As<double>(L{As<std::int64_t>(shifted.b).v << 63})};
+}
+
+// 1 / x to about 22 bits, for x whose reciprocal is normal.
+ZOV_INLINE F Reciprocal(F x) {
+  const F y = ApproxReciprocal(x);
+#if defined(__FMA__)
+  return {_mm256_fmadd_ps(y.v, _mm256_fnmadd_ps(x.v, y.v, Splat(1.0F).v), y.v)};
+#else
+  return y * (Splat(2.0F) - x * y);
+#endif
+}
+
+// The square root of x to about 22 bits, for x that is zero or normal.
+ZOV_INLINE F FastSqrt(F x) {
+  const F y = ApproxReciprocalSqrt(Max(x, Splat(0x1p-126F)));
+  const F root = x * y;
+#if defined(__FMA__)
+  return {_mm256_fmadd_ps((root * Splat(0.5F)).v, _mm256_fnmadd_ps(root.v, y.v, Splat(1.0F).v),
+                          root.v)};
+#else
+  return (root * Splat(0.5F)) * (Splat(3.0F) - root * y);
+#endif
+}
+
+}  // namespace zov::ZOV_LEVEL_NAMESPACE

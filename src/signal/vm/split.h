@@ -1,0 +1,26 @@
+// Exponent and fraction of a positive normal number, for the logarithms and the power.
+#pragma once
+
+#include "signal/vm/lanes.h"
+
+namespace zov::ZOV_LEVEL_NAMESPACE {
+
+// x = 2^exponent (1 + rest), 1 + rest from sqrt(1/2) to sqrt(2); the rest is exact.
+struct BinarySplit {
+  F exponent;
+  F rest;
+};
+
+ZOV_INLINE BinarySplit SplitBinary(F x) {
+  const I fromRootHalf = Bits(x) - Splat(0x3F3504F3);
+  const I fraction = Bits(x) - (fromRootHalf & Splat(-0x800000));
+  return {ToFloat(ShiftRight<23>(fromRootHalf)), FromBits(fraction) - Splat(1.0F)};
+}
+
+// Marks what is not a positive normal number. The sum moves the patterns of infinities and NaNs to
+// the negative integers, and brings those of negative numbers no higher than that of zero.
+ZOV_INLINE void MarkNotNormal(I& special, F x) {
+  special = special | (Bits(x) + Splat(0x800000) < Splat(0x1000000));
+}
+
+}  // namespace zov::ZOV_LEVEL_NAMESPACE
