@@ -12,13 +12,13 @@ ZOV_INLINE void MarkLargeAngle(I& special, F x) {
   special = special | (AbsBits(x) > Splat(Bits(Splat(kLargeAngle)).v[0] - 1));
 }
 
-// x - n pi for |n| < 2^12 in halves; pi comes in parts whose products with n are exact, save the
-// last. kPart scales pi: 1 or 1/2.
+// x - n pi / kDivisor for |n| < 2^13. The constant comes in parts whose products with n are exact,
+// save the last; all are positive, so that a zero keeps its sign.
 template <int kDivisor = 1>
 ZOV_INLINE F TakeOffPi(F x, F n) {
 #if defined(__FMA__)
-  x = Fma(n, Splat(-0x1.921fb6p+1F / kDivisor), x);
-  return Fma(n, Splat(0x1.777a5cp-24F / kDivisor), x);
+  x = Fma(n, Splat(-0x1.921fb4p+1F / kDivisor), x);
+  return Fma(n, Splat(-0x1.4442d2p-23F / kDivisor), x);
 #else
   x = x - n * Splat(0x1.92p+1F / kDivisor);
   x = x - n * Splat(0x1.fbp-11F / kDivisor);

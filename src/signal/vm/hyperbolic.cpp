@@ -14,20 +14,22 @@ constexpr double kLog2E = 1.4426950408889634;
 
 template <class V>
 struct Parts {
-  V even, odd;     // E, f O
-  V cosine, sine;  // C, S
+  V even;     // E
+  V odd;      // f O
+  V cosine;   // C
+  V negSine;  // -S: subtracting its product leaves the sign of a zero
 };
 
 ZOV_INLINE Parts<F> Split(F x) {
   const F log2e = Splat(static_cast<float>(kLog2E));
   const F shifted = Fma(x, log2e, Splat(kShifter));
-  const F f = Fma(x, log2e, Splat(kShifter) - shifted);
+  const F f = MulSub(x, log2e, shifted - Splat(kShifter));
   const F s = f * f;
   const I n = ShiftLeft<23>(Bits(shifted));
   const I half = Bits(Splat(0.5F));
   const F up = FromBits(half + n);
   const F down = FromBits(half - n);
-  return {Polynomial(s, kExp2EvenA11), f * Polynomial(s, kExp2OddA11), up + down, up - down};
+  return {Polynomial(s, kExp2EvenA11), f * Polynomial(s, kExp2OddA11), up + down, down - up};
 }
 
 ZOV_INLINE Parts<W> Split(W x) {
@@ -38,16 +40,16 @@ ZOV_INLINE Parts<W> Split(W x) {
   const W s = f * f;
   const W up = Scale(Splat(0.5), shifted);
   const W down = Scale(Splat(0.5), Splat(kWideShifter) - n);
-  return {Polynomial(s, kExp2EvenA24), f * Polynomial(s, kExp2OddA24), up + down, up - down};
+  return {Polynomial(s, kExp2EvenA24), f * Polynomial(s, kExp2OddA24), up + down, down - up};
 }
 
 template <class V>
 ZOV_INLINE V Cosh(Parts<V> p) {
-  return Fma(p.cosine, p.even, p.sine * p.odd);
+  return NegatedFma(p.negSine, p.odd, p.cosine * p.even);
 }
 template <class V>
 ZOV_INLINE V Sinh(Parts<V> p) {
-  return Fma(p.sine, p.even, p.cosine * p.odd);
+  return NegatedFma(p.negSine, p.even, p.cosine * p.odd);
 }
 
 // From 87 on the powers of two are out of the range of a float.

@@ -47,6 +47,30 @@ ZOV_INLINE W Fma(W a, W b, W c) {
 #endif
 }
 
+// a * b - c
+ZOV_INLINE F MulSub(F a, F b, F c) {
+#if defined(__FMA__)
+  return {_mm256_fmsub_ps(a.v, b.v, c.v)};
+#else
+  return a * b - c;
+#endif
+}
+// c - a * b; a zero in c keeps its sign where the product is +0.
+ZOV_INLINE F NegatedFma(F a, F b, F c) {
+#if defined(__FMA__)
+  return {_mm256_fnmadd_ps(a.v, b.v, c.v)};
+#else
+  return c - a * b;
+#endif
+}
+ZOV_INLINE W NegatedFma(W a, W b, W c) {
+#if defined(__FMA__)
+  return {{_mm256_fnmadd_pd(a.a.v, b.a.v, c.a.v)}, {_mm256_fnmadd_pd(a.b.v, b.b.v, c.b.v)}};
+#else
+  return c - a * b;
+#endif
+}
+
 // c[0] + c[1] x + c[2] x^2 + ...
 template <class V, int N>
 ZOV_INLINE V Polynomial(V x, const typename V::Lane (&c)[N]) {
@@ -150,7 +174,7 @@ ZOV_INLINE W OddSign(W shifted) {
 ZOV_INLINE F Reciprocal(F x) {
   const F y = ApproxReciprocal(x);
 #if defined(__FMA__)
-  return {_mm256_fmadd_ps(y.v, _mm256_fnmadd_ps(x.v, y.v, Splat(1.0F).v), y.v)};
+  return Fma(y, NegatedFma(x, y, Splat(1.0F)), y);
 #else
   return y * (Splat(2.0F) - x * y);
 #endif
@@ -161,8 +185,7 @@ ZOV_INLINE F FastSqrt(F x) {
   const F y = ApproxReciprocalSqrt(Max(x, Splat(0x1p-126F)));
   const F root = x * y;
 #if defined(__FMA__)
-  return {_mm256_fmadd_ps((root * Splat(0.5F)).v, _mm256_fnmadd_ps(root.v, y.v, Splat(1.0F).v),
-                          root.v)};
+  return Fma(root * Splat(0.5F), NegatedFma(root, y, Splat(1.0F)), root);
 #else
   return (root * Splat(0.5F)) * (Splat(3.0F) - root * y);
 #endif
