@@ -1338,6 +1338,207 @@ KELO_API ZovStatus Kelo_zovsTanh_32f_A11(const Zov32f* pSrc, Zov32f* pDst, int l
 
 /** @} */
 
+/** @defgroup elementary Elementary functions without an accuracy class */
+/** @{ */
+
+/**
+ * @brief pDst[i] = natural logarithm of pSrc[i].
+ * From level 1 on it has the accuracy and the special values of a class of 21 bits: a zero of
+ * either sign gives negative infinity and ::zovStsLnZeroArgWrn, a negative element a NaN and
+ * ::zovStsLnNegArgWrn, and the last bad element decides the status. At level 0 it is the logarithm
+ * in double precision, rounded; any element with its sign bit set, -0 too, gives the NaN 0xFFC00000
+ * and counts as negative, and the first bad element decides.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsLnZeroArgWrn,
+ * ::zovStsLnNegArgWrn, ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsLn_32f(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = e to the power pSrc[i].
+ * From level 1 on it has the accuracy and the special values of a class of 21 bits. At level 0 it
+ * is computed in double precision and rounded; a denormal element gives 1, and -87.33655 and below
+ * give 0. Overflow and underflow raise no warning.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsExp_32f(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/**
+ * @brief pDst[i] = arc tangent of pSrc[i], computed in double precision and rounded.
+ * An infinity gives pi/2 with its sign, and so does a signalling NaN; a quiet NaN gives 0x7FC00000
+ * or, when negative, 0xFFC00000. A zero of either sign gives +0.
+ * @param pSrc source, @p len elements
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsArctan_32f(const Zov32f* pSrc, Zov32f* pDst, int len);
+
+/** @} */
+
+/**
+ * @defgroup scaled Scaled integer arithmetic
+ *
+ * A result is formed exactly, multiplied by 2^-scaleFactor with rounding to nearest, ties to even,
+ * and limited to the range of its type. Saturation raises no warning. Every scale factor is valid:
+ * a large one gives 0, a very negative one a limit of the range for all that is not 0.
+ */
+/** @{ */
+
+/**
+ * @brief pDst[i] = (pSrc1[i] + pSrc2[i]) * 2^-scaleFactor, saturated.
+ * Arrays that overlap in part are taken element by element from the first on.
+ * @param pSrc1 first operand, @p len elements
+ * @param pSrc2 second operand, @p len elements
+ * @param pDst destination, @p len elements; may equal a source
+ * @param len number of elements
+ * @param scaleFactor exponent of the scale 2^-scaleFactor
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAdd_16s_Sfs(const Zov16s* pSrc1, const Zov16s* pSrc2, Zov16s* pDst,
+                                        int len, int scaleFactor);
+
+/**
+ * @brief pSrcDst[i] = pSrcDst[i] + pSrc[i], saturated.
+ * @param pSrc second operand, @p len elements
+ * @param pSrcDst first operand and destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAdd_16s_I(const Zov16s* pSrc, Zov16s* pSrcDst, int len);
+
+/**
+ * @brief pSrcDst[i] = (pSrcDst[i] + pSrc[i]) * 2^-scaleFactor, saturated.
+ * Arrays that overlap in part are taken element by element from the first on.
+ * @param pSrc second operand, @p len elements
+ * @param pSrcDst first operand and destination, @p len elements
+ * @param len number of elements
+ * @param scaleFactor exponent of the scale 2^-scaleFactor
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAdd_16u_ISfs(const Zov16u* pSrc, Zov16u* pSrcDst, int len,
+                                         int scaleFactor);
+
+/**
+ * @brief pSrcDst[i] = (pSrcDst[i] + val) * 2^-scaleFactor, saturated.
+ * Below a scale factor of -15 a @p val other than 0 gives 65535 everywhere.
+ * @param val second operand
+ * @param pSrcDst first operand and destination, @p len elements
+ * @param len number of elements
+ * @param scaleFactor exponent of the scale 2^-scaleFactor
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAddC_16u_ISfs(Zov16u val, Zov16u* pSrcDst, int len, int scaleFactor);
+
+/**
+ * @brief pSrcDst[i] = max(pSrcDst[i] - val, 0) * 2^-scaleFactor, saturated.
+ * @param val second operand
+ * @param pSrcDst first operand and destination, @p len elements
+ * @param len number of elements
+ * @param scaleFactor exponent of the scale 2^-scaleFactor
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSubC_16u_ISfs(Zov16u val, Zov16u* pSrcDst, int len, int scaleFactor);
+
+/**
+ * @brief pSrcDst[i] = pSrcDst[i] - val, saturated.
+ * @param val second operand
+ * @param pSrcDst first operand and destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsSubC_16s_I(Zov16s val, Zov16s* pSrcDst, int len);
+
+/**
+ * @brief pSrcDst[i] = pSrcDst[i] * val, saturated.
+ * @param val second operand
+ * @param pSrcDst first operand and destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsMulC_16s_I(Zov16s val, Zov16s* pSrcDst, int len);
+
+/**
+ * @brief pSrcDst[i] = |pSrcDst[i]|; the magnitude of -2^31 saturates to 2^31 - 1.
+ * @param pSrcDst source and destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAbs_32s_I(Zov32s* pSrcDst, int len);
+
+/** @} */
+
+/** @defgroup bits Bit operations */
+/** @{ */
+
+/**
+ * @brief pDst[i] = pSrc[i] AND val.
+ * Arrays that overlap in part are taken element by element from the first on.
+ * @param pSrc source, @p len elements
+ * @param val second operand
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAndC_16u(const Zov16u* pSrc, Zov16u val, Zov16u* pDst, int len);
+
+/**
+ * @brief pSrcDst[i] = pSrcDst[i] AND val.
+ * @param val second operand
+ * @param pSrcDst first operand and destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsAndC_16u_I(Zov16u val, Zov16u* pSrcDst, int len);
+
+/**
+ * @brief pSrcDst[i] = pSrcDst[i] OR pSrc[i].
+ * Arrays that overlap in part are taken element by element from the first on.
+ * @param pSrc second operand, @p len elements
+ * @param pSrcDst first operand and destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsOr_16u_I(const Zov16u* pSrc, Zov16u* pSrcDst, int len);
+
+/**
+ * @brief pDst[i] = pSrc[i] << val, in 16 bits; 0 for a count of 16 or more.
+ * @param pSrc source, @p len elements
+ * @param val count
+ * @param pDst destination, @p len elements; may equal @p pSrc
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsShiftErr (val negative),
+ * ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsLShiftC_16u(const Zov16u* pSrc, int val, Zov16u* pDst, int len);
+
+/**
+ * @brief pSrcDst[i] = pSrcDst[i] << val, in 16 bits; 0 for a count of 16 or more.
+ * @param val count
+ * @param pSrcDst first operand and destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsShiftErr (val negative),
+ * ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsLShiftC_16u_I(int val, Zov16u* pSrcDst, int len);
+
+/**
+ * @brief pSrcDst[i] = pSrcDst[i] >> val; 0 for a count of 16 or more.
+ * @param val count
+ * @param pSrcDst first operand and destination, @p len elements
+ * @param len number of elements
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 1), ::zovStsShiftErr (val negative),
+ * ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsRShiftC_16u_I(int val, Zov16u* pSrcDst, int len);
+
+/** @} */
+
 /**
  * @defgroup resize Image resize
  *

@@ -23,11 +23,6 @@ struct Scaled {
   F shifted;
 };
 
-ZOV_INLINE double LaneZero(F factor, F power) {
-  const W y = ToDouble(factor) * ToDouble(power);
-  return y.a.v[0];
-}
-
 // Double precision throughout; serves the elements near and below the smallest normal result too.
 struct WideExp {
   static ZOV_INLINE W Extended(W x) {
@@ -49,6 +44,11 @@ struct WideExp {
 };
 
 #if !defined(__AVX__)
+ZOV_INLINE double LaneZero(F factor, F power) {
+  const W y = ToDouble(factor) * ToDouble(power);
+  return y.a.v[0];
+}
+
 // x = k ln 2 + i ln 2 / 128 + r: e^x = 2^k T[i] e^r, T[i] in two parts.
 struct TableExp {
   static ZOV_INLINE Scaled Split(F x) {

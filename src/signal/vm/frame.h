@@ -101,9 +101,12 @@ ZOV_NOINLINE void RunCarefully(ZovStatus& status, float* dst, int first, int cou
   RunCopies<Kernel>(status, dst + first, count, BlockCopy(operand, first, count)...);
 }
 
-template <class Kernel, class... Operand>
+// For a kernel that leaves the floating-point environment to the caller.
+struct CallersEnvironment {};
+
+template <class Kernel, class Environment = MathEnvironment, class... Operand>
 ZOV_INLINE ZovStatus RunBlocks(float* dst, int len, Operand... operand) {
-  const MathEnvironment environment;
+  [[maybe_unused]] const Environment environment{};
   ZovStatus status = zovStsNoErr;
   int i = 0;
   for (; i <= len - kVmBlock; i += kVmBlock) {
