@@ -75,19 +75,27 @@ struct BlockCopy {
   }
 };
 
+template <class Kernel, class... X>
+ZOV_INLINE F EvaluateAlone(I& special, X... x) {
+  const F y = Kernel::Evaluate(special, x...);
+  if constexpr (requires { Kernel::EvaluateAlone(x...); }) {
+    return Kernel::EvaluateAlone(x...);
+  } else {
+    return y;
+  }
+}
+
 template <class Kernel, class... Copy>
 ZOV_INLINE void RunCopies(ZovStatus& status, float* dst, int count, const Copy&... copy) {
   alignas(32) float result[kVmBlock];
   unsigned specials = 0;
   for (int i = 0; i < kVmBlock; i += F::kLanes) {
     I special = I::Zero();
-    F y = Kernel::Evaluate(special, F::LoadAligned(copy.x + i)...);
-    if constexpr (requires { Kernel::EvaluateAlone(y); }) {
-      y = Kernel::EvaluateAlone(F::LoadAligned(copy.x + i)...);
-    }
+    const F y = EvaluateAlone<Kernel>(special, F::LoadAligned(copy.x + i)...);
     y.StoreAligned(result + i);
     specials |= MoveMask(special) << i;
   }
+#pragma GCC unroll 1
   for (int i = 0; i < count; ++i) {
     dst[i] = (specials >> i) & 1 ? Kernel::Special(status, copy.x[i]...) : result[i];
   }
@@ -120,6 +128,14 @@ ZOV_INLINE ZovStatus RunBlocks(float* dst, int len, Operand... operand) {
     } else {
       for (int v = 0; v < kVmVectors; ++v) y[v].Store(dst + i + v * F::kLanes);
     }
+  }
+  // The rest of the array: whole vectors while they are ordinary.
+  for (; i <= len - F::kLanes; i += F::kLanes) {
+    I special = I::Zero();
+    const F y = EvaluateAlone<Kernel>(special, operand.Load(i)...);
+    if (MoveMask(special) != 0) [[unlikely]]
+      break;
+    y.Store(dst + i);
   }
   if (i < len) RunCarefully<Kernel>(status, dst, i, len - i, operand...);
   return status;

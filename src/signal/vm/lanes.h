@@ -71,12 +71,30 @@ ZOV_INLINE W NegatedFma(W a, W b, W c) {
 #endif
 }
 
-// c[0] + c[1] x + c[2] x^2 + ...
+// c[kFirst] + c[kFirst + kStep] x + c[kFirst + 2 kStep] x^2 + ...
+template <int kFirst, int kStep, class V, int N>
+ZOV_INLINE V Horner(V x, const typename V::Lane (&c)[N]) {
+  constexpr int kLast = kFirst + (N - 1 - kFirst) / kStep * kStep;
+  V p = Splat(c[kLast]);
+  for (int k = kLast - kStep; k >= kFirst; k -= kStep) p = Fma(p, x, Splat(c[k]));
+  return p;
+}
+
+// c[0] + c[1] x + c[2] x^2 + ... Longer ones in two chains side by side, or four: a processor waits
+// for the results of one chain longer than it works on them.
 template <class V, int N>
 ZOV_INLINE V Polynomial(V x, const typename V::Lane (&c)[N]) {
-  V p = Splat(c[N - 1]);
-  for (int k = N - 2; k >= 0; --k) p = Fma(p, x, Splat(c[k]));
-  return p;
+  if constexpr (N < 5) {
+    return Horner<0, 1>(x, c);
+  } else if constexpr (N < 10) {
+    const V square = x * x;
+    return Fma(x, Horner<1, 2>(square, c), Horner<0, 2>(square, c));
+  } else {
+    const V square = x * x;
+    const V fourth = square * square;
+    return Fma(square, Fma(x, Horner<3, 4>(fourth, c), Horner<2, 4>(fourth, c)),
+               Fma(x, Horner<1, 4>(fourth, c), Horner<0, 4>(fourth, c)));
+  }
 }
 
 ZOV_INLINE I Bits(F x) { return As<std::int32_t>(x); }
