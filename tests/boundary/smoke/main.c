@@ -78,6 +78,8 @@ int main(int argc, char** argv) {
   SmokeFill();
   SmokeSearch();
   SmokeArithmetic();
+  SmokeMaths();
+  SmokeInteger();
   SmokeConversion();
   SmokeStatistics();
   SmokeResize();

@@ -31,6 +31,8 @@ void SmokeFill(void);
 void SmokeSearch(void);
 void SmokeLarge(void);
 void SmokeArithmetic(void);
+void SmokeMaths(void);
+void SmokeInteger(void);
 void SmokeConversion(void);
 void SmokeStatistics(void);
 void SmokeResize(void);
