@@ -38,7 +38,8 @@ stage() {
 stage packages 'scripts/install_deps.sh build test windows docs'
 
 stage format '
-  git ls-files "*.c" "*.cpp" "*.h" | xargs clang-format --dry-run -Werror'
+  find bench examples include src tests -name "*.[ch]" -o -name "*.cpp" |
+    xargs clang-format --dry-run -Werror'
 
 stage release '
   cmake --preset release
