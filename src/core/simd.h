@@ -35,6 +35,16 @@ struct MaskLane<8> {
   using Type = std::int64_t;
 };
 
+// Integers wrap, so their sums are formed without a sign.
+template <class T, bool kIsInteger = std::is_integral_v<T>>
+struct SumLane {
+  using Type = T;
+};
+template <class T>
+struct SumLane<T, true> {
+  using Type = std::make_unsigned_t<T>;
+};
+
 template <class T, int N>
 struct Vec {
   using Lane = T;
@@ -45,6 +55,8 @@ struct Vec {
   typedef T Native __attribute__((vector_size(N * sizeof(T))));
   typedef T Anywhere __attribute__((vector_size(N * sizeof(T)), aligned(1), may_alias));
   typedef T Aligned __attribute__((vector_size(N * sizeof(T)), may_alias));
+
+  typedef typename SumLane<T>::Type SumNative __attribute__((vector_size(N * sizeof(T))));
 
   Native v;
 
@@ -82,9 +94,15 @@ struct Vec {
     if constexpr (kBytes == 16) _mm_stream_si128(static_cast<__m128i*>(p), (__m128i)v);
   }
 
-  friend ZOV_INLINE Vec operator+(Vec a, Vec b) { return {a.v + b.v}; }
-  friend ZOV_INLINE Vec operator-(Vec a, Vec b) { return {a.v - b.v}; }
-  friend ZOV_INLINE Vec operator*(Vec a, Vec b) { return {a.v * b.v}; }
+  friend ZOV_INLINE Vec operator+(Vec a, Vec b) {
+    return {(Native)((SumNative)a.v + (SumNative)b.v)};
+  }
+  friend ZOV_INLINE Vec operator-(Vec a, Vec b) {
+    return {(Native)((SumNative)a.v - (SumNative)b.v)};
+  }
+  friend ZOV_INLINE Vec operator*(Vec a, Vec b) {
+    return {(Native)((SumNative)a.v * (SumNative)b.v)};
+  }
   friend ZOV_INLINE Vec operator/(Vec a, Vec b) { return {a.v / b.v}; }
   friend ZOV_INLINE Vec operator&(Vec a, Vec b) { return FromBits(a.Bits() & b.Bits()); }
   friend ZOV_INLINE Vec operator|(Vec a, Vec b) { return FromBits(a.Bits() | b.Bits()); }
