@@ -145,7 +145,7 @@ struct SerialArctan {
 };
 
 // The first bad element decides here; a set sign bit is bad, whatever it belongs to.
-ZOV_INLINE ZovStatus SerialLn(const float* pSrc, float* pDst, int len) {
+[[maybe_unused]] ZOV_INLINE ZovStatus SerialLn(const float* pSrc, float* pDst, int len) {
   ZovStatus status = zovStsNoErr;
   for (int i = 0; i < len; ++i) {
     const float x = pSrc[i];

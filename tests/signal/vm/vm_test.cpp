@@ -24,6 +24,16 @@ const float kNaN = std::numeric_limits<float>::quiet_NaN();
 float FloatOf(std::uint32_t bits) { return std::bit_cast<float>(bits); }
 std::uint32_t BitsOf(float x) { return std::bit_cast<std::uint32_t>(x); }
 
+// Whether the C library's own function serves as a reference. That of Windows leaves the reduction
+// of large angles to the x87 unit, which has 66 bits of pi and gives up at 2^63.
+bool IsReferenceGood([[maybe_unused]] const UnaryFunction& function, [[maybe_unused]] float x) {
+#ifdef _WIN32
+  const std::string name = function.name;
+  if (name == "Sin" || name == "Cos" || name == "Tan") return !(std::fabs(x) > 10000.0F);
+#endif
+  return true;
+}
+
 // Random fractions for every exponent and both signs, and each limit of a kernel with the numbers
 // around it.
 std::vector<float> SampledArguments() {
@@ -60,7 +70,9 @@ TEST(VectorMaths, EveryUnaryKernelKeepsItsClass) {
         SCOPED_TRACE(std::string(function.name) + " " + kClasses[c].name);
         KernelOf(*function.row[level], c)(x.data(), y.data(), static_cast<int>(x.size()));
         WorstError worst;
-        for (std::size_t i = 0; i < x.size(); ++i) worst.Add(y[i], exact[i], x[i]);
+        for (std::size_t i = 0; i < x.size(); ++i) {
+          if (IsReferenceGood(function, x[i])) worst.Add(y[i], exact[i], x[i]);
+        }
         EXPECT_TRUE(worst.Within(kClasses[c]))
             << "relative " << worst.relative << " units " << worst.units << " at " << worst.at
             << (worst.wrong ? ", wrong kind of value at " : "") << worst.wrongAt;
