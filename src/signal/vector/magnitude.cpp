@@ -13,14 +13,14 @@ template <class V>
 struct Parts {
   V re, im;
 };
-ZOV_INLINE Parts<Vec<float, 4>> Split(Vec<float, 4> a, Vec<float, 4> b) {
+[[maybe_unused]] ZOV_INLINE Parts<Vec<float, 4>> Split(Vec<float, 4> a, Vec<float, 4> b) {
   return {{_mm_shuffle_ps(a.v, b.v, 0x88)}, {_mm_shuffle_ps(a.v, b.v, 0xDD)}};
 }
-ZOV_INLINE Parts<Vec<double, 2>> Split(Vec<double, 2> a, Vec<double, 2> b) {
+[[maybe_unused]] ZOV_INLINE Parts<Vec<double, 2>> Split(Vec<double, 2> a, Vec<double, 2> b) {
   return {{_mm_unpacklo_pd(a.v, b.v)}, {_mm_unpackhi_pd(a.v, b.v)}};
 }
-ZOV_INLINE Vec<float, 4> Ordered(Vec<float, 4> x) { return x; }
-ZOV_INLINE Vec<double, 2> Ordered(Vec<double, 2> x) { return x; }
+[[maybe_unused]] ZOV_INLINE Vec<float, 4> Ordered(Vec<float, 4> x) { return x; }
+[[maybe_unused]] ZOV_INLINE Vec<double, 2> Ordered(Vec<double, 2> x) { return x; }
 
 #if defined(__AVX__)
 ZOV_INLINE Parts<Vec<float, 8>> SplitHalves(__m256 a, __m256 b) {

@@ -8,7 +8,7 @@ namespace zov::ZOV_LEVEL_NAMESPACE {
 namespace {
 
 // (a + bi)(c + di) = (ac - bd) + (ad + bc)i, for the pairs of a register.
-ZOV_INLINE Vec<double, 2> ComplexProduct(Vec<double, 2> x, Vec<double, 2> y) {
+[[maybe_unused]] ZOV_INLINE Vec<double, 2> ComplexProduct(Vec<double, 2> x, Vec<double, 2> y) {
   const __m128d acAd = _mm_mul_pd(_mm_unpacklo_pd(x.v, x.v), y.v);
   const __m128d bdBc = _mm_mul_pd(_mm_unpackhi_pd(x.v, x.v), _mm_shuffle_pd(y.v, y.v, 1));
 #if defined(__SSE3__)
