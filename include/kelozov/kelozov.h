@@ -1758,8 +1758,7 @@ KELO_API ZovStatus Kelo_zovsFFTFree_R_32f(ZovFFTSpec_R_32f* pSpec);
  * scale of the object if its flag asks for it. Element 2k of the destination is Re X[k], element
  * 2k + 1 is Im X[k]; elements 1 and N + 1 are written as zeros. For N = 1 the result is
  * (pSrc[0], 0).
- * Results of two levels agree to rounding; the relative RMS error grows with log N, see
- * docs/accuracy.md.
+ * Results of two levels agree to rounding; the relative RMS error grows with log N.
  * @param pSrc N values
  * @param pDst N + 2 values; may be the same array as @p pSrc
  * @param pSpec the object
@@ -1815,8 +1814,7 @@ KELO_API ZovStatus Kelo_zovsFFTFree_R_64f(ZovFFTSpec_R_64f* pSpec);
  * scale of the object if its flag asks for it. Element 2k of the destination is Re X[k], element
  * 2k + 1 is Im X[k]; elements 1 and N + 1 are written as zeros. For N = 1 the result is
  * (pSrc[0], 0).
- * Results of two levels agree to rounding; the relative RMS error grows with log N, see
- * docs/accuracy.md.
+ * Results of two levels agree to rounding; the relative RMS error grows with log N.
  * @param pSrc N values
  * @param pDst N + 2 values; may be the same array as @p pSrc
  * @param pSpec the object
