@@ -194,6 +194,20 @@ def write_csv(path, cases, level):
                               f"{case.throughput(figure):.5g}", case.unit, ratio])
 
 
+def print_context(context):
+    """When and where, with the load of the machine, which tells how far to trust the figures."""
+    cpu = {}
+    with open("/proc/cpuinfo") as file:
+        for line in file:
+            key, _, value = line.partition(":")
+            cpu.setdefault(key.strip(), value.strip())
+    load = ", ".join(f"{value:.1f}" for value in context["load_avg"])
+    print(f"{context['date']}; {cpu.get('model name')}, family {cpu.get('cpu family')} model "
+          f"{cpu.get('model')}, {context['num_cpus']} processors, load {load}")
+    print(f"level {context['level']}; peers: {context['peers'] or 'none'}; "
+          f"missing: {context['peers_missing'] or 'none'}\n")
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("result")
@@ -206,8 +220,7 @@ def main():
     if not cases:
         raise SystemExit("no case matches")
     level = int(context["level"])
-    print(f"level {level}; peers: {context['peers'] or 'none'}; "
-          f"missing: {context['peers_missing'] or 'none'}\n")
+    print_context(context)
     families = {}
     for case in cases:
         families.setdefault(case.family, []).append(case)
