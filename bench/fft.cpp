@@ -2,9 +2,10 @@
 // is 2.5 N log2 N operations by the usual count.
 #include "fft.h"
 
+#include <memory>
+
 #include "core/cpu.h"
 #include "registry.h"
-#include "routine.h"
 
 namespace zov::bench {
 
@@ -39,7 +40,6 @@ struct LevelObjects {
 
 template <class T, class Spec>
 void AddType(Cases& cases, const char* name, FftExports<T, Spec> exports) {
-  if (exports.forward == nullptr) return;
   for (const bool inverse : {false, true}) {
     for (const bool inPlace : {false, true}) {
       for (int order = 3; order <= 22; ++order) {
@@ -55,7 +55,7 @@ void AddType(Cases& cases, const char* name, FftExports<T, Spec> exports) {
           T* const to = inPlace ? from : contest.Array<T>(count + 2);
           LevelObjects<T, Spec>* const own = objects.get();
           const auto transform = inverse ? exports.inverse : exports.forward;
-          contest.Ours([=] { transform(from, to, own->Get(), work); });
+          contest.Ours([=] { return transform(from, to, own->Get(), work); });
 #if KELOZOV_BENCH_FFTW
           AddFftw(contest, FftTask<T>{order, inverse, from, to});
 #endif
@@ -76,11 +76,11 @@ void AddType(Cases& cases, const char* name, FftExports<T, Spec> exports) {
 
 void AddFftCases(Cases& cases) {
   AddType<Zov32f, ZovFFTSpec_R_32f>(cases, "32f",
-                                    {ENTRY(zovsFFTInitAlloc_R_32f), ENTRY(zovsFFTFree_R_32f),
-                                     ENTRY(zovsFFTFwd_RToCCS_32f), ENTRY(zovsFFTInv_CCSToR_32f)});
+                                    {&Kelo_zovsFFTInitAlloc_R_32f, &Kelo_zovsFFTFree_R_32f,
+                                     &Kelo_zovsFFTFwd_RToCCS_32f, &Kelo_zovsFFTInv_CCSToR_32f});
   AddType<Zov64f, ZovFFTSpec_R_64f>(cases, "64f",
-                                    {ENTRY(zovsFFTInitAlloc_R_64f), ENTRY(zovsFFTFree_R_64f),
-                                     ENTRY(zovsFFTFwd_RToCCS_64f), ENTRY(zovsFFTInv_CCSToR_64f)});
+                                    {&Kelo_zovsFFTInitAlloc_R_64f, &Kelo_zovsFFTFree_R_64f,
+                                     &Kelo_zovsFFTFwd_RToCCS_64f, &Kelo_zovsFFTInv_CCSToR_64f});
 }
 
 }  // namespace zov::bench

@@ -2,7 +2,6 @@
 #include "resize.h"
 
 #include "registry.h"
-#include "routine.h"
 
 namespace zov::bench {
 
@@ -22,8 +21,7 @@ void AddFormat(Cases& cases, const char* name, decltype(ResizeTask::pixel) pixel
                ZovStatus (*resize)(const T*, ZovImageSize, int, ZovImageRect, T*, int, ZovImageRect,
                                    double, double, double, double, int, Zov8u*)) {
   const auto getBufSize =
-      pixel == Pixel::f64 ? ENTRY(zoviResizeGetBufSize_64f) : ENTRY(zoviResizeGetBufSize);
-  if (resize == nullptr || getBufSize == nullptr) return;
+      pixel == Pixel::f64 ? &Kelo_zoviResizeGetBufSize_64f : &Kelo_zoviResizeGetBufSize;
   const int pixelBytes = channels * static_cast<int>(sizeof(T));
   for (const int method : {ZOV_INTERP_NEAREST, ZOV_INTERP_LINEAR}) {
     const bool linear = method == ZOV_INTERP_LINEAR;
@@ -46,8 +44,8 @@ void AddFormat(Cases& cases, const char* name, decltype(ResizeTask::pixel) pixel
         const double xFactor = static_cast<double>(target.width) / kSource.width;
         const double yFactor = static_cast<double>(target.height) / kSource.height;
         contest.Ours([=] {
-          resize(source, kSource, sourceStep, Whole(kSource), result, targetStep, Whole(target),
-                 xFactor, yFactor, 0, 0, method, buffer);
+          return resize(source, kSource, sourceStep, Whole(kSource), result, targetStep,
+                        Whole(target), xFactor, yFactor, 0, 0, method, buffer);
         });
         [[maybe_unused]] const ResizeTask task = {pixel,  channels, kSource,    target,    linear,
                                                   source, result,   sourceStep, targetStep};
@@ -71,10 +69,10 @@ void AddFormat(Cases& cases, const char* name, decltype(ResizeTask::pixel) pixel
 }  // namespace
 
 void AddResizeCases(Cases& cases) {
-  AddFormat(cases, "8u C1", Pixel::u8, 1, ENTRY(zoviResizeSqrPixel_8u_C1R));
-  AddFormat(cases, "8u C4", Pixel::u8, 4, ENTRY(zoviResizeSqrPixel_8u_C4R));
-  AddFormat(cases, "32f C1", Pixel::f32, 1, ENTRY(zoviResizeSqrPixel_32f_C1R));
-  AddFormat(cases, "64f C1", Pixel::f64, 1, ENTRY(zoviResizeSqrPixel_64f_C1R));
+  AddFormat(cases, "8u C1", Pixel::u8, 1, &Kelo_zoviResizeSqrPixel_8u_C1R);
+  AddFormat(cases, "8u C4", Pixel::u8, 4, &Kelo_zoviResizeSqrPixel_8u_C4R);
+  AddFormat(cases, "32f C1", Pixel::f32, 1, &Kelo_zoviResizeSqrPixel_32f_C1R);
+  AddFormat(cases, "64f C1", Pixel::f64, 1, &Kelo_zoviResizeSqrPixel_64f_C1R);
 }
 
 }  // namespace zov::bench

@@ -13,15 +13,7 @@ struct Routine {
   const Function* plain;  // the loop that the compiler vectorises, built for each level
 };
 
-// An export's entry and its table of level routines; null while the library does not have it.
-struct Export {
-  void (*entry)();
-  const void* table;
-};
-Export FindExport(const char* name);
-
-#define ENTRY(name) reinterpret_cast<decltype(&Kelo_##name)>(zov::bench::FindExport(#name).entry)
 #define ROUTINE(name) \
-  zov::bench::Routine<decltype(&Kelo_##name)> { #name, ENTRY(name), zov::bench::plain_##name }
+  zov::bench::Routine<decltype(&Kelo_##name)> { #name, &Kelo_##name, zov::bench::plain_##name }
 
 }  // namespace zov::bench

@@ -4,6 +4,7 @@
 #include <string>
 #include <type_traits>
 
+#include "exports/tables.h"
 #include "registry.h"
 #include "routine.h"
 #if KELOZOV_BENCH_VOLK
@@ -73,19 +74,21 @@ std::size_t Bytes(const O& o) {
 }
 
 // The shapes of calls, for our routines and for plain loops.
-constexpr auto kTwoSources = [](auto f, const auto& o) { f(o.a, o.b, o.out, o.len); };
-constexpr auto kTwoSourcesInPlace = [](auto f, const auto& o) { f(o.a, o.out, o.len); };
-constexpr auto kConstant = [](auto f, const auto& o) { f(o.a, o.value, o.out, o.len); };
-constexpr auto kConstantInPlace = [](auto f, const auto& o) { f(o.value, o.out, o.len); };
-constexpr auto kOneSource = [](auto f, const auto& o) { f(o.a, o.out, o.len); };
-constexpr auto kInPlace = [](auto f, const auto& o) { f(o.out, o.len); };
-constexpr auto kScaled = [](auto f, const auto& o) { f(o.a, o.out, o.len, 0); };
+constexpr auto kTwoSources = [](auto f, const auto& o) { return f(o.a, o.b, o.out, o.len); };
+constexpr auto kTwoSourcesInPlace = [](auto f, const auto& o) { return f(o.a, o.out, o.len); };
+constexpr auto kConstant = [](auto f, const auto& o) { return f(o.a, o.value, o.out, o.len); };
+constexpr auto kConstantInPlace = [](auto f, const auto& o) { return f(o.value, o.out, o.len); };
+constexpr auto kOneSource = [](auto f, const auto& o) { return f(o.a, o.out, o.len); };
+constexpr auto kInPlace = [](auto f, const auto& o) { return f(o.out, o.len); };
+constexpr auto kScaled = [](auto f, const auto& o) { return f(o.a, o.out, o.len, 0); };
 constexpr auto kFill = kConstantInPlace;
-constexpr auto kReplace = [](auto f, const auto& o) { f(o.a, o.out, o.len, 7, 9); };
-constexpr auto kThreshold = [](auto f, const auto& o) { f(o.a, o.out, o.len, 1.5f, 1.25f); };
-constexpr auto kThresholdInPlace = [](auto f, const auto& o) { f(o.out, o.len, 1.5f, 1.25f); };
+constexpr auto kReplace = [](auto f, const auto& o) { return f(o.a, o.out, o.len, 7, 9); };
+constexpr auto kThreshold = [](auto f, const auto& o) { return f(o.a, o.out, o.len, 1.5f, 1.25f); };
+constexpr auto kThresholdInPlace = [](auto f, const auto& o) {
+  return f(o.out, o.len, 1.5f, 1.25f);
+};
 template <int kRelation>
-constexpr auto kLimit = [](auto f, const auto& o) { f(o.out, o.len, 1.5f, kRelation); };
+constexpr auto kLimit = [](auto f, const auto& o) { return f(o.out, o.len, 1.5f, kRelation); };
 
 struct Nothing {
   template <class O>
@@ -104,7 +107,6 @@ struct Family {
   template <class In, class Out = In, class Function, class Shape, class MorePeers = Nothing>
   void Add(const Routine<Function>& routine, Shape shape, MorePeers morePeers = {},
            Data data = Data::positive, const char* variant = "") const {
-    if (routine.entry == nullptr) return;
     for (const std::size_t bytes : sizes) {
       const std::size_t count = bytes / sizeof(In);
       const double work = static_cast<double>(std::strcmp(unit, "GB/s") == 0 ? bytes : count);
@@ -116,8 +118,8 @@ struct Family {
         FillRandom(b, count, data);
         FillRandom(out, count, data);
         const Operands<In, Out> o = {a, b, out, static_cast<int>(count)};
-        contest.Ours([=, f = routine.entry] { shape(f, o); });
-        contest.Peer("plain loop", [=, f = routine.plain[contest.level()]] { shape(f, o); });
+        contest.Ours([=, f = routine.entry] { return shape(f, o); });
+        contest.Peer("plain loop", [=, f = routine.plain[contest.level()]] { return shape(f, o); });
         morePeers(contest, o);
       };
       cases.push_back(
@@ -155,14 +157,13 @@ std::string BytesLabel(std::size_t bytes) {
 // What the way through the entry costs over a straight call of the level routine.
 void AddEntryCases(Cases& cases) {
   const auto routine = ROUTINE(zovsAbs_32f);
-  if (routine.entry == nullptr) return;
   cases.push_back({"entry", routine.name, "1 element", "ns", 1, [=](Contest& contest) {
                      Zov32f* const p = contest.Array<Zov32f>(16);
-                     const auto call = [=](auto f) { f(p, p + 1, 1); };
-                     const auto table = static_cast<const decltype(&Kelo_zovsAbs_32f)*>(
-                         FindExport(routine.name).table);
-                     contest.Ours([=, f = routine.entry] { call(f); });
-                     contest.Peer("level routine", [=, f = table[contest.level()]] { call(f); });
+                     const auto call = [=](auto f) { return f(p, p + 1, 1); };
+                     contest.Ours([=, f = routine.entry] { return call(f); });
+                     contest.Peer("level routine", [=, f = zovTable_zovsAbs_32f[contest.level()]] {
+                       return call(f);
+                     });
                    }});
 }
 
@@ -250,7 +251,6 @@ namespace {
 template <class T, class Function, class Library>
 void AddFind(Cases& cases, const Routine<Function>& routine, std::size_t bytes, int lenFind,
              Library library) {
-  if (routine.entry == nullptr) return;
   const std::size_t count = bytes / sizeof(T);
   const auto setUp = [=](Contest& contest) {
     T* const text = contest.Array<T>(count);
@@ -265,9 +265,9 @@ void AddFind(Cases& cases, const Routine<Function>& routine, std::size_t bytes, 
     }
     int* const index = contest.Array<int>(1);
     const int len = static_cast<int>(count);
-    const auto search = [=](auto f) { f(text, len, find, lenFind, index); };
-    contest.Ours([=, f = routine.entry] { search(f); });
-    contest.Peer("plain loop", [=, f = routine.plain[contest.level()]] { search(f); });
+    const auto search = [=](auto f) { return f(text, len, find, lenFind, index); };
+    contest.Ours([=, f = routine.entry] { return search(f); });
+    contest.Peer("plain loop", [=, f = routine.plain[contest.level()]] { return search(f); });
     library(contest, text, count, find, lenFind);
   };
   cases.push_back({"search", std::string(routine.name) + " " + std::to_string(lenFind),
