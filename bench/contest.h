@@ -28,10 +28,12 @@ struct Contestant {
 
 class Contest {
  public:
-  explicit Contest(int level) : level_(level) {}
+  Contest(int level, bool withPeers) : level_(level), withPeers_(withPeers) {}
 
   // The level under test, for peers that come in builds of their own.
   int level() const { return level_; }
+  // False where peers would be set up in vain.
+  bool withPeers() const { return withPeers_; }
 
   // `call` returns the status: a routine that refuses its arguments would look fast.
   template <class Call>
@@ -75,6 +77,7 @@ class Contest {
   void* Allocate(std::size_t bytes);
 
   int level_;
+  bool withPeers_;
   std::vector<Contestant> contestants_;
   std::vector<std::shared_ptr<void>> kept_;
 };

@@ -57,7 +57,7 @@ void AddType(Cases& cases, const char* name, FftExports<T, Spec> exports) {
           const auto transform = inverse ? exports.inverse : exports.forward;
           contest.Ours([=] { return transform(from, to, own->Get(), work); });
 #if KELOZOV_BENCH_FFTW
-          AddFftw(contest, FftTask<T>{order, inverse, from, to});
+          if (contest.withPeers()) AddFftw(contest, FftTask<T>{order, inverse, from, to});
 #endif
           // Plans leave their marks. Zeros stay what they are, however often they are transformed.
           for (std::size_t i = 0; i < count + 2; ++i) from[i] = to[i] = 0;

@@ -69,7 +69,7 @@ std::vector<Contestant> Levels(const Contest& contest) {
 
 void Run(benchmark::State& state, const Case& benchmarkCase, const Options& options) {
   zovDispatchIndex = options.level;
-  Contest contest(options.level);
+  Contest contest(options.level, !options.levels);
   benchmarkCase.setUp(contest);
   const std::vector<Contestant> contestants =
       options.levels ? Levels(contest) : contest.contestants();

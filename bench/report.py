@@ -13,7 +13,8 @@ from collections import namedtuple
 
 # What we hold ourselves to at the highest level. The mean is the geometric mean of the ratios of the
 # operations that `operations` matches; a floor is for the mean of each operation, or for each size.
-Aim = namedtuple("Aim", "family operations mean floor floor_of", defaults=(None, None))
+# `sizes` narrows an aim to the sizes that it matches.
+Aim = namedtuple("Aim", "family operations mean floor floor_of sizes", defaults=(None, None, ".*"))
 AIMS = [
     Aim("memory", ".*", 1.0, 0.85, "size"),
     Aim("arithmetic", ".*", 1.1, 0.95, "operation"),
@@ -22,7 +23,10 @@ AIMS = [
     Aim("resize", "8u C1", 3.0, 1.5, "operation"),
     Aim("resize", "8u C4", 1.5, 1.0, "operation"),
     Aim("resize", "32f C1", 1.5, 1.0, "operation"),
-    Aim("fft", ".*", 1.1, 1.0, "size"),
+    *(Aim("fft", f"{type} {direction}", mean, 1.0, "size", sizes)
+      for type in ("32f", "64f") for direction in ("forward", "inverse")
+      for mean, sizes in ((1.4, r"2\^([4-9]|1[0-5])$"), (1.1, r"2\^(1[6-9]|2[0-2])$"))),
+    Aim("fft", ".*", 1.0, 1.0, "size"),
 ]
 HIGHEST_LEVEL = 6
 LEAST_STEP = 0.95  # a level against the one below
@@ -95,18 +99,23 @@ def print_entry(cases):
 def print_family(family, cases, level):
     unit = cases[0].unit
     with_unheld = any(case.of("unheld") for case in cases)
+    # A rate of operations by the usual count needs the plain time beside it.
+    with_time = unit == "GFLOP/s"
     head = ["operation", "size", f"KeloZov {unit}", "best peer", f"peer {unit}", "ratio"]
+    if with_time:
+        head.insert(2, "KeloZov ns")
     head += [f"unheld peer {unit}"] * with_unheld
     rows = []
     for case in cases:
         ours, peer, unheld = case.best("ours"), case.best("peer"), case.best("unheld")
-        row = [case.operation, case.size, three_digits(case.throughput(ours))]
+        row = [case.operation, case.size, *([three_digits(ours.ns)] * with_time)]
+        row += [three_digits(case.throughput(ours))]
         row += ([peer.name, three_digits(case.throughput(peer)), f"{case.ratio:.2f}"] if peer
                 else ["none", "", ""])
         if with_unheld:
             row.append(f"{unheld.name} {three_digits(case.throughput(unheld))}" if unheld else "")
         rows.append(row)
-    print_table(head, rows, right=[head[2], head[4], "ratio"])
+    print_table(head, rows, right=["KeloZov ns", f"KeloZov {unit}", f"peer {unit}", "ratio"])
 
     cases = [case for case in cases if case.of("peer")]
     if not cases:
@@ -131,12 +140,14 @@ def print_family(family, cases, level):
 
 def print_aim(aim, family, cases, means):
     """Whether an aim of this family and its floor hold."""
-    matching = [case for case in cases if re.match(aim.operations, case.operation)]
+    matching = [case for case in cases
+                if re.match(aim.operations, case.operation) and re.match(aim.sizes, case.size)]
     if aim.family != family or not matching:
         return
     verdict = lambda holds: "holds" if holds else "MISSED"
     mean = geometric_mean([case.ratio for case in matching])
     of = "" if aim.operations == ".*" else f" for {aim.operations}"
+    of += "" if aim.sizes == ".*" else f" {matching[0].size} to {matching[-1].size}"
     text = f"aim{of}: mean {aim.mean:.2f}: {verdict(mean >= aim.mean)} with {mean:.2f}"
     if aim.floor is not None:
         if aim.floor_of == "size":

@@ -23,6 +23,7 @@ every operation and size, the best peer and the ratio to it, and the means of th
   --no-install    does not look for missing packages
 
 The build is in build/bench. A ratio above 1 means that KeloZov is faster.
+FFTW plans by measuring, which takes minutes the first time; its plans are kept there too.
 END
 }
 
