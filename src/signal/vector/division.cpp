@@ -2,6 +2,7 @@
 #include "core/checks.h"
 #include "core/entries.h"
 #include "signal/vector/elementwise.h"
+#include "signal/vector/exact_refinement.h"
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
@@ -105,6 +106,32 @@ struct DivideConstant {
   }
 };
 
+#if defined(__FMA__)
+// The same bits. One vector of a block is formed without the divider, which is busy with the
+// others.
+struct DivideConstantBothWays {
+  static constexpr int kVectors = 4;
+  DivideConstant exact;
+
+  template <int K, class Load>
+  ZOV_INLINE Pack<VecF, K> Block(Load load) {
+    Pack<VecF, K> quotient;
+    if constexpr (K > 1) {
+      const VecF a = load(0);
+      if (MoveMask(NoDivisor(a)) == 0) [[likely]] {
+        quotient.v[0] = Quotient(exact.dividend, a);
+        Unroll<K - 1>([&](int k) __attribute__((always_inline)) {
+          quotient.v[k + 1] = exact(load(k + 1));
+        });
+        return quotient;
+      }
+    }
+    Unroll<K>([&](int k) __attribute__((always_inline)) { quotient.v[k] = exact(load(k)); });
+    return quotient;
+  }
+};
+#endif
+
 ZOV_INLINE ZovStatus StatusOf(Mask sawZero) {
   return MoveMask(sawZero) != 0 ? zovStsDivByZeroWrn : zovStsNoErr;
 }
@@ -126,6 +153,13 @@ ZovStatus zovsDiv_32f(const Zov32f* pSrc1, const Zov32f* pSrc2, Zov32f* pDst, in
 
 ZovStatus zovsDivCRev_32f(const Zov32f* pSrc, Zov32f val, Zov32f* pDst, int len) {
   if (const ZovStatus status = CheckArrays(len, pSrc, pDst)) return status;
+#if defined(__FMA__)
+  if (IsDividend(val)) {
+    DivideConstantBothWays op{DivideConstant(val)};
+    Map(op, len, pDst, pSrc);
+    return StatusOf(op.exact.sawZero);
+  }
+#endif
   DivideConstant op(val);
   Map(op, len, pDst, pSrc);
   return StatusOf(op.sawZero);

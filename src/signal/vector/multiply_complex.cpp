@@ -10,7 +10,11 @@ namespace {
 // (a + bi)(c + di) = (ac - bd) + (ad + bc)i, for the pairs of a register.
 [[maybe_unused]] ZOV_INLINE Vec<double, 2> ComplexProduct(Vec<double, 2> x, Vec<double, 2> y) {
   const __m128d acAd = _mm_mul_pd(_mm_unpacklo_pd(x.v, x.v), y.v);
-  const __m128d bdBc = _mm_mul_pd(_mm_unpackhi_pd(x.v, x.v), _mm_shuffle_pd(y.v, y.v, 1));
+  // Two names for y, or from SSSE3 on the compiler takes palignr, which is slower between products.
+  __m128d same = y.v;
+  asm("" : "+x"(same));
+  const __m128d swapped = _mm_shuffle_pd(y.v, same, 1);
+  const __m128d bdBc = _mm_mul_pd(_mm_unpackhi_pd(x.v, x.v), swapped);
 #if defined(__SSE3__)
   return {_mm_addsub_pd(acAd, bdBc)};
 #else

@@ -24,7 +24,7 @@ struct ExactRoot {
 // Through the approximate reciprocal square root r: with y = x r, one Newton step gives the root
 // y (y r - 3) (-1/2), within 4 units of the last place.
 struct RefinedRoot {
-  [[maybe_unused]] static constexpr int kVectors = 16 / VecF::kLanes;
+  [[maybe_unused]] static constexpr int kVectors = 4;
   Mask sawNegative = Mask::Zero();
   bool sawSpecial = false;
 
@@ -32,12 +32,15 @@ struct RefinedRoot {
   ZOV_INLINE Pack<VecF, K> Block(Load load) {
     Pack<VecF, K> root;
     VecF sum = VecF::Zero();
-    Unroll<K>([&](int k) __attribute__((always_inline)) {
+    // One of several vectors keeps the hardware's square root busy meanwhile.
+    constexpr int kRefined = K > 1 ? K - 1 : 1;
+    if constexpr (K > 1) sum = root.v[kRefined] = Sqrt(load(kRefined));
+    Unroll<kRefined>([&](int k) __attribute__((always_inline)) {
       const VecF x = load(k);
       const VecF r = ApproxReciprocalSqrt(x);
       const VecF y = x * r;
       root.v[k] = y * (y * r - VecF::Broadcast(3.0F)) * VecF::Broadcast(-0.5F);
-      sum = k == 0 ? root.v[0] : sum + root.v[k];
+      sum = sum + root.v[k];
     });
     // Zeros, denormals, negative numbers, infinities and NaNs all leave an infinity or a NaN, and
     // so does a sum with one; the sum of good roots is far from overflow.

@@ -6,6 +6,7 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <random>
 
 #include "signal/vector/elementwise_walk.h"
 
@@ -410,6 +411,44 @@ TEST(SquareRoot, LeavesMxcsrAsItWas) {
       }
     }
   }
+}
+
+// Every mantissa as a divisor: a quotient keeps the division's last bit however it is formed. The
+// longest reciprocal and the dividends of 1 are where a refinement would lose it.
+TEST(Division, ByEachMantissaIsExact) {
+  constexpr int kChunk = 1 << 16;
+  std::vector<float> a(kChunk), q(kChunk);
+  ForEachLevel([&](int level) {
+    if (level > 0 && level < 6) return;  // one kernel in several widths
+    for (const float dividend : {1.0F, -1.7F}) {
+      for (int start = (1 << 23) - kChunk; start >= 0; start -= kChunk) {
+        for (int i = 0; i < kChunk; ++i) a[i] = std::bit_cast<float>(0x3F800000 + start + i);
+        ASSERT_EQ(ZOV_AT(level, zovsDivCRev_32f)(a.data(), dividend, q.data(), kChunk),
+                  zovStsNoErr);
+        for (int i = 0; i < kChunk; ++i) ASSERT_EQ(q[i], dividend / a[i]) << a[i];
+      }
+    }
+  });
+}
+
+TEST(ComplexToReal, MagnitudeIsTheRootOfTheRoundedSum) {
+  constexpr int kCount = 1 << 18;
+  std::vector<Zov32fc> z(kCount);
+  std::vector<float> size(kCount);
+  std::mt19937 random(5);
+  for (int k = 0; k < kCount; ++k) {
+    const int exponent = static_cast<int>(random() % 120) - 60;
+    z[k].re = std::ldexp(static_cast<float>(random() >> 8), exponent);
+    z[k].im = k % 3 == 0 ? 0 : std::ldexp(static_cast<float>(random() >> 8), exponent - k % 9);
+  }
+  // Sums just below a power of four, whose roots lie next to the middle of two numbers.
+  for (int k = 0; k < kCount; k += 64) z[k] = {1.41421354F, 1.41421342F + 1.2e-7F * (k % 4)};
+  ForEachLevel([&](int level) {
+    ASSERT_EQ(ZOV_AT(level, zovsMagnitude_32fc)(z.data(), size.data(), kCount), zovStsNoErr);
+    for (int k = 0; k < kCount; ++k) {
+      ASSERT_EQ(size[k], std::sqrt(z[k].re * z[k].re + z[k].im * z[k].im)) << k;
+    }
+  });
 }
 
 TEST(ComplexToReal, SpecialElements) {
