@@ -1842,6 +1842,73 @@ KELO_API ZovStatus Kelo_zovsFFTInv_CCSToR_64f(const Zov64f* pSrc, Zov64f* pDst,
 
 /** @} */
 
+/**
+ * @defgroup windows Windows
+ *
+ * A window multiplies an array in place by a taper that is symmetric about its middle: element k
+ * and element len - 1 - k by w(k), where x = 2 pi / (len - 1). The centre of an odd length has
+ * factor 1 and is left alone. No table is made or kept: a recurrence gives the factors.
+ *
+ * Level 0 computes factors one by one in binary64, cos(k x) by a rotation, and rounds the product of
+ * factor and sample. Levels 1 to 6 step several factors at once: those of Hamming and Hann by
+ * y[k + 2] = 2 cos(2x) y[k] - y[k - 2] in binary64, narrowed to the `Zov32f` that multiplies;
+ * Blackman's by rotations and Bartlett's by sums, in binary64 throughout, except that levels 5 and
+ * 6 sum Bartlett's in binary32. So results differ between levels in the last bit, and in more as
+ * the recurrences drift: beside their rounding to binary32, factors are within 3e-18 len^2 of the
+ * formula, 3e-12 at 1,000 samples and 3e-6 at 1,000,000; Bartlett's in binary32 are within
+ * len / 32 + 2 units in the last place.
+ */
+/** @{ */
+
+/**
+ * @brief Multiplies by the Bartlett window: w(k) = 2k / (len - 1).
+ * The two ends are set to 0 whatever they hold.
+ * @param pSrcDst samples, @p len elements
+ * @param len number of elements, 3 or more
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 3), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsWinBartlett_32f_I(Zov32f* pSrcDst, int len);
+
+/**
+ * @brief Multiplies by the Blackman window: w(k) = (a + 1)/2 - cos(k x)/2 - a cos(2k x)/2.
+ * a is -0.16 in binary32. The ends get the rounding error of (a + 1)/2 - 1/2 - a/2 as their factor;
+ * at a length of 3 they are set to 0.
+ * @param pSrcDst samples, @p len elements
+ * @param len number of elements, 3 or more
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 3), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsWinBlackmanStd_32f_I(Zov32f* pSrcDst, int len);
+
+/**
+ * @brief Multiplies by the Hamming window: w(k) = 0.54 - 0.46 cos(k x).
+ * @param pSrcDst samples, @p len elements
+ * @param len number of elements, 3 or more
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 3), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsWinHamming_32f_I(Zov32f* pSrcDst, int len);
+
+/**
+ * @brief Multiplies by the Hann window: w(k) = (1 - cos(k x)) / 2.
+ * At a length of 3 the ends are set to 0 whatever they hold.
+ * @param pSrcDst samples, @p len elements
+ * @param len number of elements, 3 or more
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 3), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsWinHann_32f_I(Zov32f* pSrcDst, int len);
+
+/**
+ * @brief Multiplies by the Hamming window: w(k) = 0.54 - 0.46 cos(k x).
+ * Level 0 truncates the product in binary64 towards zero. Levels 1 to 6 compute in binary32: the
+ * products of the two ends, whose factor is 0.54f - 0.46f, are truncated towards zero, the others
+ * rounded to nearest with ties to even and saturated; their factors are within 3e-6 of the formula.
+ * @param pSrcDst samples, @p len elements
+ * @param len number of elements, 3 or more
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 3), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsWinHamming_16s_I(Zov16s* pSrcDst, int len);
+
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

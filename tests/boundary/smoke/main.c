@@ -89,6 +89,7 @@ int main(int argc, char** argv) {
   SmokeStatistics();
   SmokeResize();
   SmokeFft();
+  SmokeWindow();
   SmokeLarge();
 
   FILE* const list = fopen(argv[1], "r");

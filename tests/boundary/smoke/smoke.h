@@ -37,5 +37,6 @@ void SmokeConversion(void);
 void SmokeStatistics(void);
 void SmokeResize(void);
 void SmokeFft(void);
+void SmokeWindow(void);
 
 #endif
