@@ -129,7 +129,8 @@ def build():
                        degree)
 
     # 2^f = 1 + f P(f), |f| <= 1/2
-    for name, degree, kind in (("Exp2A11", 2, "float"), ("Exp2A24", 6, "double")):
+    for name, degree, kind in (("Exp2A11", 2, "float"), ("Exp2WideA11", 2, "double"),
+                               ("Exp2A24", 5, "double")):
         fit(name, "2^f = 1 + f P(f), |f| <= 1/2", minimax(exp2_rest, exp_weight, -half, half, degree), kind)
     fit("ExpA21", "e^r = 1 + r P(r), |r| <= ln 2 / 2",
         minimax(lambda r: (exp(r) - 1) / r, lambda r: abs(r) / exp(r), -LN2 / 2, LN2 / 2, 4))
@@ -140,7 +141,10 @@ def build():
         fit(base + "A21", text, log_fit(8, scale))
         fit(base + "A24", text, log_fit(12, scale), "double")
     fit("Log2A11", "log2(1 + r) = r P(r), 1 + r from sqrt(1/2) to sqrt(2)", log_fit(6, log2e))
-    fit("Log2A24", "log2(1 + r) = r P(r), 1 + r from sqrt(1/2) to sqrt(2)", log_fit(12, log2e), "double")
+    c, worst = log_fit(12, log2e)
+    text = "log2(1 + r) = r P(r), 1 + r from sqrt(1/2) to sqrt(2)"
+    fit("Log2A24", text + ": the first terms", (c[:6], worst), "double")
+    fit("Log2TailA24", text + ": the others", (c[6:], worst))
     # sin(r) = r P(r^2), |r| <= pi/2
     s = (pi / 2)**2
     sin_ratio = of_square(sin)

@@ -5,11 +5,11 @@
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
-// Beyond this magnitude an angle takes the exact reduction, out of line.
-constexpr float kLargeAngle = 10000.0F;
+// Beyond this magnitude, the last below 10000, an angle takes the exact reduction, out of line.
+constexpr float kLargestAngle = 9999.999F;
 
 ZOV_INLINE void MarkLargeAngle(I& special, F x) {
-  special = special | (AbsBits(x) > Splat(Bits(Splat(kLargeAngle)).v[0] - 1));
+  special = special | IsAbove(Abs(x), kLargestAngle);
 }
 
 // x - n pi / kDivisor for |n| < 2^13. The constant comes in parts whose products with n are exact,

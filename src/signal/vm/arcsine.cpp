@@ -12,9 +12,7 @@ constexpr double kPi = 3.141592653589793;
 constexpr float kHalfPi = static_cast<float>(kPi / 2);
 
 struct ArcSineKernel {
-  static ZOV_INLINE void MarkOutside(I& special, F x) {
-    special = special | (AbsBits(x) > Splat(0x3F800000));
-  }
+  static ZOV_INLINE void MarkOutside(I& special, F x) { special = special | IsAbove(Abs(x), 1.0F); }
   static ZOV_NOINLINE float Special(ZovStatus& status, float x) {
     return SpecialArcSine(status, x);
   }

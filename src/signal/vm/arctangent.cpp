@@ -24,7 +24,7 @@ ZOV_INLINE W LongArc(W z) {
 struct ArcTangentKernel {
   // From 2^64 on the reciprocal is out of line.
   static ZOV_INLINE void MarkLarge(I& special, F x) {
-    special = special | (AbsBits(x) > Splat(0x5F7FFFFF));
+    special = special | IsAbove(Abs(x), 0x1.fffffep63F);
   }
   static ZOV_NOINLINE float Special(ZovStatus&, float x) { return SpecialAtan(x); }
 };
@@ -55,11 +55,23 @@ struct LongAtan : ArcTangentKernel {
 // leaves the normal numbers. Zeros are special, too.
 struct QuotientKernel {
   static ZOV_INLINE void MarkExtreme(I& special, F y, F x) {
-    constexpr std::int32_t kLowest = (127 - 62) << 23;
-    constexpr std::int32_t kRange = 124 << 23;
-    const I fromY = AbsBits(y) - Splat(kLowest);
-    const I fromX = AbsBits(x) - Splat(kLowest);
-    special = special | fromY | (Splat(kRange) - fromY) | fromX | (Splat(kRange) - fromX);
+    constexpr float kLowest = 0x1p-62F;
+    constexpr float kHighest = 0x1p62F;
+#if defined(__AVX__) && !defined(__AVX2__)
+    const auto below = [](F a) { return F{_mm256_cmp_ps(a.v, Splat(kLowest).v, _CMP_NGE_UQ)}; };
+    const F outside = below(Abs(y)) | below(Abs(x));
+    special = special | Bits(outside) | IsAbove(Abs(y), kHighest) | IsAbove(Abs(x), kHighest);
+#else
+    const I a = AbsBits(y);
+    const I b = AbsBits(x);
+    const I lowest = Splat(__builtin_bit_cast(std::int32_t, kLowest));
+    const I highest = Splat(__builtin_bit_cast(std::int32_t, kHighest));
+#if defined(__AVX2__)
+    special = special | (Min(a, b) - lowest) | (highest - Max(a, b));
+#else
+    special = special | (a - lowest) | (highest - a) | (b - lowest) | (highest - b);
+#endif
+#endif
   }
   static ZOV_NOINLINE float Special(ZovStatus&, float y, float x) { return SpecialAtan2(y, x); }
 };
@@ -72,8 +84,8 @@ struct ShortAtan2 : QuotientKernel {
     const F arc = ShortArc(Min(a, b) * Reciprocal(Max(a, b)));
     const F first = Select(a > b, Splat(static_cast<float>(kPi / 2)) - arc, arc);
     // Left of the origin: pi - first.
-    const I left = ShiftRight<31>(Bits(x));
-    const F turned = FromBits(left & Bits(Splat(static_cast<float>(kPi)))) + (first ^ SignOf(x));
+    const F start = SelectBySign(x, Splat(static_cast<float>(kPi)), F::Zero());
+    const F turned = start + (first ^ SignOf(x));
     return turned ^ SignOf(y);
   }
 };

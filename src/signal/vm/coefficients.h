@@ -8,10 +8,12 @@ namespace zov::ZOV_LEVEL_NAMESPACE {
 
 // 2^f = 1 + f P(f), |f| <= 1/2; 13.3
 constexpr float kExp2A11[] = {0x1.62f5fap-1F, 0x1.f00c42p-3F, 0x1.c2a22p-5F};
-// 2^f = 1 + f P(f), |f| <= 1/2; 34.3
-constexpr double kExp2A24[] = {0x1.62e42ff0e18c6p-1, 0x1.ebfbe07788038p-3,  0x1.c6b08ac08ea04p-5,
-                               0x1.3b29f39cf3475p-7, 0x1.5d8a85d0e58a9p-10, 0x1.445c84164a59bp-13,
-                               0x1.fde637e70f5fcp-17};
+// 2^f = 1 + f P(f), |f| <= 1/2; 13.3
+constexpr double kExp2WideA11[] = {0x1.62f5fa7fb0c3dp-1, 0x1.f00c416c649bdp-3,
+                                   0x1.c2a21f4140861p-5};
+// 2^f = 1 + f P(f), |f| <= 1/2; 28.9
+constexpr double kExp2A24[] = {0x1.62e430af2a852p-1, 0x1.ebfbdc3c44cd7p-3,  0x1.c6aee88c3e17fp-5,
+                               0x1.3b2d4cca2339cp-7, 0x1.5f3e5392b88a3p-10, 0x1.41fbde7a8c4ep-13};
 // e^r = 1 + r P(r), |r| <= ln 2 / 2; 23.4
 constexpr float kExpA21[] = {0x1.fffff6p-1F, 0x1.fffdc6p-2F, 0x1.555a6ap-3F, 0x1.573a52p-5F,
                              0x1.0fa83ap-7F};
@@ -44,12 +46,12 @@ constexpr double kLog10A24[] = {0x1.bcb7b152537f5p-2,  -0x1.bcb7b156d1d6dp-3, 0x
 // log2(1 + r) = r P(r), 1 + r from sqrt(1/2) to sqrt(2); 19.8
 constexpr float kLog2A11[] = {0x1.71548ep+0F, -0x1.715692p-1F, 0x1.ec296cp-2F, -0x1.6fff2p-2F,
                               0x1.2ecbecp-2F, -0x1.13c898p-2F, 0x1.5f7bfep-3F};
-// log2(1 + r) = r P(r), 1 + r from sqrt(1/2) to sqrt(2); 35.8
+// log2(1 + r) = r P(r), 1 + r from sqrt(1/2) to sqrt(2): the first terms; 35.8
 constexpr double kLog2A24[] = {0x1.71547652a1ea2p+0,  -0x1.715476565d40cp-1, 0x1.ec709ebb9343ap-2,
-                               -0x1.71547097a4051p-2, 0x1.277651fc676ccp-2,  -0x1.ec72b591b62b5p-3,
-                               0x1.a63f44520e815p-3,  -0x1.7141714f4d5ep-3,  0x1.45291a959e5aap-3,
-                               -0x1.252f34e97dcep-3,  0x1.2871d970b2b86p-3,  -0x1.2488f3dcad0cbp-3,
-                               0x1.3ce8d0e4db9cdp-4};
+                               -0x1.71547097a4051p-2, 0x1.277651fc676ccp-2,  -0x1.ec72b591b62b5p-3};
+// log2(1 + r) = r P(r), 1 + r from sqrt(1/2) to sqrt(2): the others; 35.8
+constexpr float kLog2TailA24[] = {0x1.a63f44p-3F, -0x1.714172p-3F, 0x1.45291ap-3F, -0x1.252f34p-3F,
+                                  0x1.2871dap-3F, -0x1.2488f4p-3F, 0x1.3ce8dp-4F};
 // sin(r) = r P(r^2), |r| <= pi/2, exact at the ends; 12.9
 constexpr float kSinA11[] = {0x1.ffeedap-1F, -0x1.53b29p-3F, 0x1.ef514cp-8F};
 // sin(r) = r P(r^2), |r| <= pi/2; 35.5

@@ -10,8 +10,8 @@ namespace zov::ZOV_LEVEL_NAMESPACE {
 namespace {
 
 constexpr double kLog2E = 1.4426950408889634;
-// From this magnitude on, 87.33655, e^-x is denormal.
-constexpr std::int32_t kOrdinaryEnd = 0x42AEAC50;
+// The last magnitude before 87.3365478515625, from which on e^-x is denormal.
+constexpr float kOrdinaryEnd = 0x1.5d589ep6F;
 
 // Above the first limit e^x overflows, below the second it is zero.
 constexpr float kOverflowLimit = 88.72283F;
@@ -25,10 +25,16 @@ struct Scaled {
 
 // Double precision throughout; serves the elements near and below the smallest normal result too.
 struct WideExp {
+  struct Power {
+    W shifted, f;
+    explicit ZOV_INLINE Power(W x) {
+      const W y = x * Splat(kLog2E);
+      shifted = y + Splat(kWideShifter);
+      f = y - (shifted - Splat(kWideShifter));
+    }
+  };
   static ZOV_INLINE W Extended(W x) {
-    const W y = x * Splat(kLog2E);
-    const W shifted = y + Splat(kWideShifter);
-    const W f = y - (shifted - Splat(kWideShifter));
+    const auto [shifted, f] = Power(x);
     const W s = f * f;
     const W odd = (Splat(0.0013399931218481776) * s + Splat(0.05550328776967639)) * s +
                   Splat(0.6931472057372665);
@@ -36,9 +42,11 @@ struct WideExp {
                    Splat(0.24022646890634758);
     return Scale(odd * f + Splat(1.0000000005541663) + even * s, shifted);
   }
+  // The first terms of the polynomial are enough for the A11 class. Where 2^k leaves the exponents
+  // the element is special, and this result is dropped.
   static ZOV_INLINE F Result(F x) {
-    // What lies beyond is special, and only has to stay within the exponents of a double.
-    return ToFloat(Extended(ToDouble(Min(Max(x, Splat(-160.0F)), Splat(160.0F)))));
+    const auto [shifted, f] = Power(ToDouble(x));
+    return ToFloat(Scale(Fma(f, Polynomial(f, kExp2WideA11), Splat(1.0)), shifted));
   }
   static ZOV_INLINE double ResultAlone(float x) { return Extended(Splat(double{x})).a.v[0]; }
 };
@@ -145,7 +153,7 @@ struct LongExp {
 template <class Ordinary, class Alone>
 struct ExpKernel {
   static ZOV_INLINE F Evaluate(I& special, F x) {
-    special = special | (AbsBits(x) > Splat(kOrdinaryEnd - 1));
+    special = special | IsAbove(Abs(x), kOrdinaryEnd);
     return Ordinary::Result(x);
   }
 

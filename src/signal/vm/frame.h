@@ -42,9 +42,16 @@ class MathEnvironment {
   const unsigned saved_;
 };
 
-// Elements of a block. One test for special elements serves the whole of it.
+// Elements of a block, at most. One test for special elements serves the whole of it.
 constexpr int kVmBlock = kLevel == Level::sse2 ? 8 : 16;
-constexpr int kVmVectors = kVmBlock / F::kLanes;
+
+// Vectors of a block: two, as more leave too few registers for most kernels, unless the kernel says
+// that it is short.
+template <class Kernel>
+constexpr int VectorsOf() {
+  if constexpr (requires { Kernel::kIsShort; }) return kVmBlock / F::kLanes;
+  return 2;
+}
 
 // The operands of a kernel: an array or a value.
 struct ArrayOperand {
@@ -62,6 +69,7 @@ struct ConstantOperand {
 //   F Evaluate(I& special, F... x)          the result of ordinary elements; sets the sign bit of
 //                                           the other lanes in `special`
 //   float Special(ZovStatus&, float... x)   the result of one of the others; out of line
+//   kIsShort                                if it needs few registers
 // and, where elements outside whole ordinary blocks take another formula, F EvaluateAlone(F x).
 
 // A copy of up to one block of an operand, padded with ones, which are ordinary for every kernel.
@@ -116,17 +124,19 @@ template <class Kernel, class Environment = MathEnvironment, class... Operand>
 ZOV_INLINE ZovStatus RunBlocks(float* dst, int len, Operand... operand) {
   [[maybe_unused]] const Environment environment{};
   ZovStatus status = zovStsNoErr;
+  constexpr int kVectors = VectorsOf<Kernel>();
+  constexpr int kBlock = kVectors * F::kLanes;
   int i = 0;
-  for (; i <= len - kVmBlock; i += kVmBlock) {
+  for (; i <= len - kBlock; i += kBlock) {
     I special = I::Zero();
-    F y[kVmVectors];
-    for (int v = 0; v < kVmVectors; ++v) {
+    F y[kVectors];
+    for (int v = 0; v < kVectors; ++v) {
       y[v] = Kernel::Evaluate(special, operand.Load(i + v * F::kLanes)...);
     }
     if (MoveMask(special) != 0) [[unlikely]] {
-      RunCarefully<Kernel>(status, dst, i, kVmBlock, operand...);
+      RunCarefully<Kernel>(status, dst, i, kBlock, operand...);
     } else {
-      for (int v = 0; v < kVmVectors; ++v) y[v].Store(dst + i + v * F::kLanes);
+      for (int v = 0; v < kVectors; ++v) y[v].Store(dst + i + v * F::kLanes);
     }
   }
   // The rest of the array: whole vectors while they are ordinary.

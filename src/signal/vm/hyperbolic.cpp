@@ -53,7 +53,7 @@ ZOV_INLINE V Sinh(Parts<V> p) {
 }
 
 // From 87 on the powers of two are out of the range of a float.
-ZOV_INLINE void MarkLarge(I& special, F x) { special = special | (AbsBits(x) > Splat(0x42AE0000)); }
+ZOV_INLINE void MarkLarge(I& special, F x) { special = special | IsAbove(Abs(x), 87.0F); }
 
 struct SinhKernel {
   static ZOV_NOINLINE float Special(ZovStatus& status, float x) { return SpecialSinh(status, x); }

@@ -97,6 +97,17 @@ ZOV_INLINE V Polynomial(V x, const typename V::Lane (&c)[N]) {
   }
 }
 
+// c[0] + c[1] x + ... + c[N - 1] x^(N-1) + tail x^N
+template <class V>
+ZOV_INLINE V PolynomialThen(V x, const typename V::Lane (&c)[6], V tail) {
+  const V square = x * x;
+  const V fourth = square * square;
+  const V sixth = fourth * square;
+  const V low = Fma(square, Fma(x, Splat(c[3]), Splat(c[2])), Fma(x, Splat(c[1]), Splat(c[0])));
+  const V high = Fma(fourth, Fma(x, Splat(c[5]), Splat(c[4])), low);
+  return Fma(sixth, tail, high);
+}
+
 ZOV_INLINE I Bits(F x) { return As<std::int32_t>(x); }
 ZOV_INLINE F FromBits(I x) { return As<float>(x); }
 ZOV_INLINE I AbsBits(F x) { return Bits(x) & Splat(kAbsMask); }
@@ -152,17 +163,37 @@ ZOV_INLINE W SignOf(W x) {
 }
 ZOV_INLINE W Xor(W x, W y) { return {x.a ^ y.a, x.b ^ y.b}; }
 
+// Lanes of a magnitude above the limit, and NaNs.
+ZOV_INLINE I IsAbove(F magnitude, float limit) {
+#if defined(__AVX__) && !defined(__AVX2__)
+  // This level compares integers in halves of a register at best.
+  return {(I::Native)_mm256_cmp_ps(magnitude.v, Splat(limit).v, _CMP_NLE_UQ)};
+#else
+  return Bits(magnitude) > Splat(__builtin_bit_cast(std::int32_t, limit));
+#endif
+}
+
 // sign bit of mask ? a : b
 ZOV_INLINE F SelectBySign(F mask, F a, F b) {
-#if defined(__AVX__)
+#if defined(__AVX2__)
   return {_mm256_blendv_ps(b.v, a.v, mask.v)};
+#elif defined(__AVX__)
+  // The compiler would make an integer comparison of the intrinsic, lane by lane.
+  F y;
+  asm("vblendvps %3, %2, %1, %0" : "=x"(y.v) : "x"(b.v), "x"(a.v), "x"(mask.v));
+  return y;
 #else
   return Select(ShiftRight<31>(Bits(mask)), a, b);
 #endif
 }
 ZOV_INLINE W SelectBySign(W mask, W a, W b) {
-#if defined(__AVX__)
+#if defined(__AVX2__)
   return {{_mm256_blendv_pd(b.a.v, a.a.v, mask.a.v)}, {_mm256_blendv_pd(b.b.v, a.b.v, mask.b.v)}};
+#elif defined(__AVX__)
+  W y;
+  asm("vblendvpd %3, %2, %1, %0" : "=x"(y.a.v) : "x"(b.a.v), "x"(a.a.v), "x"(mask.a.v));
+  asm("vblendvpd %3, %2, %1, %0" : "=x"(y.b.v) : "x"(b.b.v), "x"(a.b.v), "x"(mask.b.v));
+  return y;
 #else
   // A set sign bit makes the compared number negative.
   const auto negative = [](VecD m) { return VecD::Zero() > (m | VecD::Broadcast(1.0)); };

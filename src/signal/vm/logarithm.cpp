@@ -34,6 +34,7 @@ struct LogKernel {
 
 template <class Base>
 struct ShortLog : LogKernel<Base> {
+  static constexpr bool kIsShort = true;
   static ZOV_INLINE F Evaluate(I& special, F x) {
     MarkNotNormal(special, x);
     const BinarySplit s = SplitBinary(x);
@@ -44,6 +45,7 @@ struct ShortLog : LogKernel<Base> {
 
 template <class Base>
 struct MediumLog : LogKernel<Base> {
+  static constexpr bool kIsShort = true;
   static ZOV_INLINE F Evaluate(I& special, F x) {
     MarkNotNormal(special, x);
     const BinarySplit s = SplitBinary(x);

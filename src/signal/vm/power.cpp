@@ -13,7 +13,7 @@ struct PowerKernel {
   // The result is normal when the magnitude of y log2 x is below this; a NaN is not.
   static constexpr float kPowerEnd = 126.0F;
   static ZOV_INLINE void MarkExtreme(I& special, F power) {
-    special = special | (AbsBits(power) > Splat(Bits(Splat(kPowerEnd)).v[0]));
+    special = special | IsAbove(Abs(power), kPowerEnd);
   }
   static ZOV_NOINLINE float Special(ZovStatus& status, float x, float y) {
     return SpecialPow(status, x, y);
@@ -21,6 +21,7 @@ struct PowerKernel {
 };
 
 struct ShortPow : PowerKernel {
+  [[maybe_unused]] static constexpr bool kIsShort = true;
   static ZOV_INLINE F Evaluate(I& special, F x, F y) {
     MarkNotNormal(special, x);
     const BinarySplit s = SplitBinary(x);
@@ -36,8 +37,11 @@ struct LongPow : PowerKernel {
   static ZOV_INLINE F Evaluate(I& special, F x, F y) {
     MarkNotNormal(special, x);
     const BinarySplit s = SplitBinary(x);
+    // Beyond the sixth, terms are so small that single precision serves them.
     const W rest = ToDouble(s.rest);
-    const W power = ToDouble(y) * Fma(rest, Polynomial(rest, kLog2A24), ToDouble(s.exponent));
+    const W tail = ToDouble(Polynomial(s.rest, kLog2TailA24));
+    const W power =
+        ToDouble(y) * Fma(rest, PolynomialThen(rest, kLog2A24, tail), ToDouble(s.exponent));
     MarkExtreme(special, ToFloat(power));
     const W shifted = power + Splat(kWideShifter);
     const W f = power - (shifted - Splat(kWideShifter));

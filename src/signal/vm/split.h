@@ -20,7 +20,12 @@ ZOV_INLINE BinarySplit SplitBinary(F x) {
 // Marks what is not a positive normal number. The sum moves the patterns of infinities and NaNs to
 // the negative integers, and brings those of negative numbers no higher than that of zero.
 ZOV_INLINE void MarkNotNormal(I& special, F x) {
+#if defined(__AVX__) && !defined(__AVX2__)
+  const auto below = _mm256_cmp_ps(x.v, Splat(0x1p-126F).v, _CMP_NGE_UQ);
+  special = special | I{(I::Native)below} | IsAbove(x, 0x1.fffffep127F);
+#else
   special = special | (Bits(x) + Splat(0x800000) < Splat(0x1000000));
+#endif
 }
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE
