@@ -2,8 +2,6 @@
 // is 2.5 N log2 N operations by the usual count.
 #include "fft.h"
 
-#include <memory>
-
 #include "core/cpu.h"
 #include "registry.h"
 
