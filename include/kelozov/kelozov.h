@@ -1849,8 +1849,8 @@ KELO_API ZovStatus Kelo_zovsFFTInv_CCSToR_64f(const Zov64f* pSrc, Zov64f* pDst,
  * and element len - 1 - k by w(k), where x = 2 pi / (len - 1). The centre of an odd length has
  * factor 1 and is left alone. No table is made or kept: a recurrence gives the factors.
  *
- * Level 0 computes factors one by one in binary64, cos(k x) by a rotation, and rounds the product of
- * factor and sample. Levels 1 to 6 step several factors at once: those of Hamming and Hann by
+ * Level 0 computes factors one by one in binary64, cos(k x) by a rotation, and rounds the product
+ * of factor and sample. Levels 1 to 6 step several factors at once: those of Hamming and Hann by
  * y[k + 2] = 2 cos(2x) y[k] - y[k - 2] in binary64, narrowed to the `Zov32f` that multiplies;
  * Blackman's by rotations and Bartlett's by sums, in binary64 throughout, except that levels 5 and
  * 6 sum Bartlett's in binary32. So results differ between levels in the last bit, and in more as
@@ -1906,6 +1906,95 @@ KELO_API ZovStatus Kelo_zovsWinHann_32f_I(Zov32f* pSrcDst, int len);
  * @return ::zovStsNullPtrErr, ::zovStsSizeErr (len below 3), ::zovStsNoErr
  */
 KELO_API ZovStatus Kelo_zovsWinHamming_16s_I(Zov16s* pSrcDst, int len);
+
+/** @} */
+
+/**
+ * @defgroup fir_design Design of FIR filters
+ *
+ * The taps of a linear-phase filter by the window method: the ideal impulse response of a low-pass,
+ * high-pass, band-pass or band-stop filter, cut to @p tapsLen elements about its middle and
+ * multiplied by a window. Frequencies are in units of the sampling rate, between 0 and 0.5. With d
+ * the distance from the middle, a whole number for odd lengths and half of an odd one for even
+ * lengths, and s(f) = sin(2 pi f d):
+ *
+ * | Design | Tap at distance d | Centre of an odd length |
+ * |---|---|---|
+ * | low-pass | s(f) / (pi d) | 2f |
+ * | high-pass, odd length | -s(f) / (pi d) | 1 - 2f |
+ * | high-pass, even length | cos(2 pi f d) / (pi d), negated in the right half | |
+ * | band-pass | (s(f2) - s(f1)) / (pi d) | 2 (f2 - f1) |
+ * | band-stop | (sin(pi d) - s(f2) + s(f1)) / (pi d) | 1 - 2 (f2 - f1) |
+ *
+ * The taps are symmetric, save those of the high-pass of even length, which are antisymmetric: a
+ * symmetric filter of even length has a zero at half the sampling rate. So the band-stop of even
+ * length stops the top of the band too.
+ *
+ * A normalised filter has gain 1 at frequency 0 (low-pass, band-stop), at half the sampling rate
+ * (high-pass) or in the middle of its band (band-pass). There is no test for a gain of 0, which
+ * makes the taps infinite.
+ *
+ * Sines and cosines come from a recurrence, the same at every level: with edges from 0.01 to 0.49
+ * and no normalisation, taps are within 4e-16 + 2e-17 tapsLen of the formula.
+ *
+ * The window is one of ::ZovWinType; any other value means none. The call allocates memory for
+ * tapsLen / 2 + 1 values, twice with two edges, and releases it.
+ */
+/** @{ */
+
+/**
+ * @brief Taps of a band-pass filter.
+ * @param rLowFreq lower edge of the band
+ * @param rHighFreq upper edge of the band
+ * @param pTaps receives @p tapsLen taps
+ * @param tapsLen number of taps, 5 or more
+ * @param winType window
+ * @param doNormal 0 leaves the gain as it falls, any other value normalises
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (tapsLen below 5, a frequency outside 0 to 0.5, or
+ * edges that do not ascend), ::zovStsNullPtrErr (no memory), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsFIRGenBandpass_64f(Zov64f rLowFreq, Zov64f rHighFreq, Zov64f* pTaps,
+                                               int tapsLen, int winType, int doNormal);
+
+/**
+ * @brief Taps of a band-stop filter.
+ * @param rLowFreq lower edge of the band
+ * @param rHighFreq upper edge of the band
+ * @param pTaps receives @p tapsLen taps
+ * @param tapsLen number of taps, 5 or more
+ * @param winType window
+ * @param doNormal 0 leaves the gain as it falls, any other value normalises
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (tapsLen below 5, a frequency outside 0 to 0.5, or
+ * edges that do not ascend), ::zovStsNullPtrErr (no memory), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsFIRGenBandstop_64f(Zov64f rLowFreq, Zov64f rHighFreq, Zov64f* pTaps,
+                                               int tapsLen, int winType, int doNormal);
+
+/**
+ * @brief Taps of a high-pass filter.
+ * @param rFreq edge of the pass band
+ * @param pTaps receives @p tapsLen taps
+ * @param tapsLen number of taps, 5 or more
+ * @param winType window
+ * @param doNormal 0 leaves the gain as it falls, any other value normalises
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (tapsLen below 5, a frequency outside 0 to 0.5),
+ * ::zovStsNullPtrErr (no memory), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsFIRGenHighpass_64f(Zov64f rFreq, Zov64f* pTaps, int tapsLen,
+                                               int winType, int doNormal);
+
+/**
+ * @brief Taps of a low-pass filter.
+ * @param rFreq edge of the pass band
+ * @param pTaps receives @p tapsLen taps
+ * @param tapsLen number of taps, 5 or more
+ * @param winType window
+ * @param doNormal 0 leaves the gain as it falls, any other value normalises
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (tapsLen below 5, a frequency outside 0 to 0.5),
+ * ::zovStsNullPtrErr (no memory), ::zovStsNoErr
+ */
+KELO_API ZovStatus Kelo_zovsFIRGenLowpass_64f(Zov64f rFreq, Zov64f* pTaps, int tapsLen, int winType,
+                                              int doNormal);
 
 /** @} */
 

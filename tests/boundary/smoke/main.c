@@ -90,6 +90,7 @@ int main(int argc, char** argv) {
   SmokeResize();
   SmokeFft();
   SmokeWindow();
+  SmokeDesign();
   SmokeLarge();
 
   FILE* const list = fopen(argv[1], "r");

@@ -38,5 +38,6 @@ void SmokeStatistics(void);
 void SmokeResize(void);
 void SmokeFft(void);
 void SmokeWindow(void);
+void SmokeDesign(void);
 
 #endif
