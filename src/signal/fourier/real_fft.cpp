@@ -78,10 +78,6 @@ ZovStatus Forward(const T* src, T* dst, const FftSpec<T>* spec, Zov8u* pWork) {
   WorkMemory<T> memory;
   if (const ZovStatus status = memory.Take(pWork, spec->workBytes)) return status;
   ComplexTransform<T, false>(src, dst, *spec, memory.work);
-  const T re = dst[0];
-  const T im = dst[1];
-  dst[0] = re + im;
-  dst[1] = re - im;
   ForwardSplit(dst, *spec);
   FinishSpectrum<kSpectrum>(dst, length);
   memory.Release();
@@ -110,7 +106,6 @@ ZovStatus Inverse(const T* src, T* dst, const FftSpec<T>* spec, Zov8u* pWork) {
   }
   WorkMemory<T> memory;
   if (const ZovStatus status = memory.Take(pWork, spec->workBytes)) return status;
-  const T first = src[0];
   const T last = src[kSpectrum == Spectrum::packed ? 1 : length - kRunning];
   // In one pass the transform goes on best from the work buffer into the destination; the other
   // routes work in place.
@@ -122,12 +117,11 @@ ZovStatus Inverse(const T* src, T* dst, const FftSpec<T>* spec, Zov8u* pWork) {
   if constexpr (kRunning) {
     // To the packed form, from the end, as the destination may be the source.
     for (Index i = length - 1; i >= 2; --i) values[i] = src[i - 1];
-    InverseSplit(static_cast<const T*>(values), values, *spec);
+    values[0] = src[0];
+    InverseSplit(static_cast<const T*>(values), last, values, *spec);
   } else {
-    InverseSplit(src, values, *spec);
+    InverseSplit(src, last, values, *spec);
   }
-  values[0] = first + last;
-  values[1] = first - last;
   ComplexTransform<T, true>(values, dst, *spec, memory.work);
   memory.Release();
   return zovStsNoErr;

@@ -8,17 +8,6 @@ namespace {
 
 enum class Formula { forward, forwardTwoLevel, inverse };
 
-// Values in ascending order to the order of the table and back.
-template <class V>
-ZOV_INLINE V NearOrder(V a) {
-  if constexpr (V::kBytes == 16) {
-    return a;
-  } else if constexpr (V::kLanes == 8) {
-    return {__builtin_shufflevector(a.v, a.v, 2, 3, 0, 1, 6, 7, 4, 5)};
-  } else {
-    return {__builtin_shufflevector(a.v, a.v, 2, 3, 0, 1)};
-  }
-}
 // Values in descending order to the order of the table and back.
 template <class V>
 ZOV_INLINE V FarOrder(V a) {
@@ -55,6 +44,46 @@ ZOV_INLINE void SplitPair(Interleaved<T>& z, Interleaved<T>& y, Interleaved<T> w
   }
 }
 
+// Values in ascending order to the order of the table and back.
+template <class V>
+[[maybe_unused]] ZOV_INLINE V NearOrder(V a) {
+  if constexpr (V::kBytes == 16) {
+    return a;
+  } else if constexpr (V::kLanes == 8) {
+    return {__builtin_shufflevector(a.v, a.v, 2, 3, 0, 1, 6, 7, 4, 5)};
+  } else {
+    return {__builtin_shufflevector(a.v, a.v, 2, 3, 0, 1)};
+  }
+}
+
+// Z[k + 1] and on in the order of the table, k counting whole vectors: from the vectors of Z[k] and
+// of Z[k + kLanes]. Loads of the pairs themselves would cross those that the transform stored.
+template <class V>
+[[maybe_unused]] ZOV_INLINE V NearBetween(V low, V high) {
+  if constexpr (V::kLanes == 8) {
+    return {__builtin_shufflevector(low.v, high.v, 4, 5, 2, 3, 8, 9, 6, 7)};
+  } else if constexpr (V::kBytes == 32) {
+    return {__builtin_shufflevector(low.v, high.v, 4, 5, 2, 3)};
+  } else if constexpr (V::kLanes == 4) {
+    return {__builtin_shufflevector(low.v, high.v, 2, 3, 4, 5)};
+  } else {
+    return high;
+  }
+}
+// The way back: X[k] and on from the results for Z[k - kLanes + 1] and on and for Z[k + 1] and on.
+template <class V>
+[[maybe_unused]] ZOV_INLINE V NearWhole(V low, V high) {
+  if constexpr (V::kLanes == 8) {
+    return {__builtin_shufflevector(low.v, high.v, 4, 5, 10, 11, 8, 9, 14, 15)};
+  } else if constexpr (V::kBytes == 32) {
+    return {__builtin_shufflevector(low.v, high.v, 0, 1, 6, 7)};
+  } else if constexpr (V::kLanes == 4) {
+    return {__builtin_shufflevector(low.v, high.v, 2, 3, 4, 5)};
+  } else {
+    return low;
+  }
+}
+
 template <Formula kFormula, class T>
 struct SplitLoop {
   using C = Interleaved<T>;
@@ -62,29 +91,60 @@ struct SplitLoop {
   const T* src;
   T* dst;
   Index length;  // M, the number of complex values
+  // The vector of the source that k = 1 stands in, or that follows it where a vector holds one
+  // value; the results before it.
+  V ahead{}, behind{};
 
-  // Pairs from k on, `count` of them, with the factors of a one-level table or, where there is a
-  // coarse factor, of the fine entries.
+  static ZOV_INLINE V CoarseRe(const T* coarse) { return V::Broadcast(coarse[0]); }
+  static ZOV_INLINE V CoarseIm(const T* coarse) {
+    return V::Broadcast(-coarse[1]) ^ ImagSigns<T, V::kLanes>();
+  }
+
+  ZOV_INLINE void Begin() { ahead = V::Load(src); }
+
+  // Pairs k + 1 to k + count for whole vectors, with the factors of a one-level table or, where
+  // there is a coarse factor, of the fine entries. X[0] comes out undefined.
+  template <bool kBetween>
+  ZOV_INLINE void RunWhole(Index k, Index count, const T* table, const T* coarse) {
+    V coarseRe{}, coarseIm{};
+    if (coarse != nullptr) coarseRe = CoarseRe(coarse), coarseIm = CoarseIm(coarse);
+    for (const Index end = k + count; k < end; k += C::kLanes, table += V::kLanes) {
+      T* const far = dst + 2 * (length - k - C::kLanes);
+      C w = C::Load(table);
+      if (coarse != nullptr) w = w.Times(coarseRe, coarseIm);
+      const V next = V::Load(src + 2 * (k + (kBetween ? C::kLanes : 1)));
+      C z = {kBetween ? NearBetween(ahead, next) : NearOrder(next)};
+      C y = {FarOrder(V::Load(src + (far - dst)))};
+      SplitPair<kFormula>(z, y, w);
+      if constexpr (kBetween) {
+        NearWhole(behind, z.v).Store(dst + 2 * k);
+      } else {
+        NearOrder(z.v).Store(dst + 2 * (k + 1));
+      }
+      FarOrder(y.v).Store(far);
+      ahead = next;
+      behind = z.v;
+    }
+  }
+
+#if ZOV_LEVEL == 0
+  // Pairs from k on, `count` of them. Tables of the baseline begin at k = 0, so that vectors of two
+  // leave one.
   ZOV_INLINE void Run(Index k, Index count, const T* table, const T* coarse) const {
     V coarseRe{}, coarseIm{};
-    if (coarse != nullptr) {
-      coarseRe = V::Broadcast(coarse[0]);
-      coarseIm = V::Broadcast(-coarse[1]) ^ ImagSigns<T, V::kLanes>();
-    }
+    if (coarse != nullptr) coarseRe = CoarseRe(coarse), coarseIm = CoarseIm(coarse);
     Index i = 0;
     for (; i + C::kLanes <= count; i += C::kLanes) {
       const Index near = 2 * (k + i);
       const Index far = 2 * (length - k - i - C::kLanes + 1);
       C w = C::Load(table + 2 * i);
       if (coarse != nullptr) w = w.Times(coarseRe, coarseIm);
-      C z = {NearOrder(V::Load(src + near))};
+      C z = C::Load(src + near);
       C y = {FarOrder(V::Load(src + far))};
       SplitPair<kFormula>(z, y, w);
-      NearOrder(z.v).Store(dst + near);
+      z.Store(dst + near);
       FarOrder(y.v).Store(dst + far);
     }
-#if ZOV_LEVEL == 0
-    // Tables of the baseline begin at k = 0, so that vectors of two leave one.
     if constexpr (C::kLanes == 2) {
       if (i < count) {
         const Index near = 2 * (k + i);
@@ -98,35 +158,53 @@ struct SplitLoop {
         _mm_storel_pi(reinterpret_cast<__m64*>(dst + far), y.v.v);
       }
     }
-#endif
   }
-#if ZOV_LEVEL == 0
   static ZOV_INLINE C LoadOne(const T* p) {
     return {{_mm_castpd_ps(_mm_load_sd(reinterpret_cast<const double*>(p)))}};
   }
 #endif
 };
 
-// Runs over k from 1 up to the middle, which vectors may touch but which the callers set.
+// Runs over k from 1 up to the middle. The caller sets X[0] and the middle, which vectors touch.
 template <Formula kOneLevel, Formula kTwoLevel, class T>
 ZOV_INLINE void SplitAll(const T* src, T* dst, int order, const T* table) {
-  // Table entry of k = 1.
-  constexpr Index kFirst = kLevel == Level::sse2 ? 1 : 0;
   const Index length = Index{1} << (order - 1);
   const Index middle = length / 2;
-  if (order < FftLimitsOf<T>(kLevel).twoLevelFrom) {
+  constexpr Index kFine = Index{1} << kLogFine<T>;
+  const T* coarse = table + 2 * kFine;
+  const bool oneLevel = order < FftLimitsOf<T>(kLevel).twoLevelFrom;
+#if ZOV_LEVEL == 0
+  if (oneLevel) {
     const SplitLoop<kOneLevel, T> loop = {src, dst, length};
-    loop.Run(1, middle - kFirst, table + 2 * kFirst, nullptr);
+    loop.Run(1, middle - 1, table + 2, nullptr);
     return;
   }
   const SplitLoop<kTwoLevel, T> loop = {src, dst, length};
-  constexpr Index kFine = Index{1} << kLogFine<T>;
-  const T* coarse = table + 2 * kFine;
-  loop.Run(1, kFine - kFirst, table + 2 * kFirst, coarse);
+  loop.Run(1, kFine - 1, table + 2, coarse);
   for (Index k = kFine; k < middle; k += kFine) {
     coarse += 2;
-    loop.Run(k + 1 - kFirst, kFine, table, coarse);
+    loop.Run(k, kFine, table, coarse);
   }
+#else
+  // Long arrays come from memory, not from stores that are still under way; there the way between
+  // whole vectors pays only where it is a blend.
+  constexpr bool kBlends = sizeof(T) == 8;
+  if (oneLevel) {
+    SplitLoop<kOneLevel, T> loop = {src, dst, length};
+    loop.Begin();
+    if (kBlends || order <= FftLimitsOf<T>(kLevel).lastSmall) {
+      loop.template RunWhole<true>(0, middle, table, nullptr);
+    } else {
+      loop.template RunWhole<false>(0, middle, table, nullptr);
+    }
+    return;
+  }
+  SplitLoop<kTwoLevel, T> loop = {src, dst, length};
+  loop.Begin();
+  for (Index k = 0; k < middle; k += kFine, coarse += 2) {
+    loop.template RunWhole<kBlends>(k, kFine, table, coarse);
+  }
+#endif
 }
 
 }  // namespace
@@ -134,27 +212,33 @@ ZOV_INLINE void SplitAll(const T* src, T* dst, int order, const T* table) {
 template <class T>
 void ForwardSplit(T* array, const FftSpec<T>& spec) {
   T* const middle = array + (Index{1} << (spec.order - 1));
+  const T first[2] = {array[0], array[1]};
   const T re = middle[0];
   const T im = middle[1];
   SplitAll<Formula::forward, Formula::forwardTwoLevel>(static_cast<const T*>(array), array,
                                                        spec.order, spec.splitFwd);
+  array[0] = first[0] + first[1];
+  array[1] = first[0] - first[1];
   middle[0] = re;
   middle[1] = -im;
 }
 
 template <class T>
-void InverseSplit(const T* src, T* dst, const FftSpec<T>& spec) {
+void InverseSplit(const T* src, T last, T* dst, const FftSpec<T>& spec) {
   const Index middle = Index{1} << (spec.order - 1);
+  const T first = src[0];
   const T re = src[middle];
   const T im = src[middle + 1];
   SplitAll<Formula::inverse, Formula::inverse>(src, dst, spec.order, spec.splitInv);
+  dst[0] = first + last;
+  dst[1] = first - last;
   dst[middle] = re + re;
   dst[middle + 1] = static_cast<T>(-2) * im;
 }
 
 template void ForwardSplit<Zov32f>(Zov32f*, const FftSpec<Zov32f>&);
 template void ForwardSplit<Zov64f>(Zov64f*, const FftSpec<Zov64f>&);
-template void InverseSplit<Zov32f>(const Zov32f*, Zov32f*, const FftSpec<Zov32f>&);
-template void InverseSplit<Zov64f>(const Zov64f*, Zov64f*, const FftSpec<Zov64f>&);
+template void InverseSplit<Zov32f>(const Zov32f*, Zov32f, Zov32f*, const FftSpec<Zov32f>&);
+template void InverseSplit<Zov64f>(const Zov64f*, Zov64f, Zov64f*, const FftSpec<Zov64f>&);
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

@@ -8,12 +8,13 @@
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
-// In place on the N/2 complex values of an array; elements 0 and 1 are not touched.
+// In place on the N/2 complex values of an array, to the packed spectrum.
 template <class T>
 void ForwardSplit(T* array, const FftSpec<T>& spec);
 
-// From a spectrum to an array that may be the same; elements 0 and 1 are not touched.
+// From a spectrum with Re X[N/2] = `last`, whatever its element 1, to an array that may be the
+// same.
 template <class T>
-void InverseSplit(const T* src, T* dst, const FftSpec<T>& spec);
+void InverseSplit(const T* src, T last, T* dst, const FftSpec<T>& spec);
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

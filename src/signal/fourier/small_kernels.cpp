@@ -60,8 +60,9 @@ struct RealForward<T, 1, step, kScaled> {
   }
 };
 
-// The values x[0], x[step], ... of a packed spectrum.
-template <class T, int n, int step, bool kScaled>
+// The values x[0], x[step], ... of a packed spectrum; kDoubled where its pair of k = n/4 comes
+// doubled, which spares an addition.
+template <class T, int n, int step, bool kScaled, bool kDoubled = false>
 struct RealInverse {
   static ZOV_INLINE void Run(const T* spectrum, T* x, T scale) {
     T even[n / 2];
@@ -75,8 +76,8 @@ struct RealInverse {
     even[0] = first + second;
     odd[0] = first - second;
     if constexpr (n >= 4) {
-      even[1] = spectrum[n / 2] + spectrum[n / 2];
-      odd[1] = static_cast<T>(-2) * spectrum[n / 2 + 1];
+      even[1] = kDoubled ? spectrum[n / 2] : spectrum[n / 2] + spectrum[n / 2];
+      odd[1] = (kDoubled ? static_cast<T>(-1) : static_cast<T>(-2)) * spectrum[n / 2 + 1];
     }
     if constexpr (n >= 8) {
       Unroll<n / 4 - 1>(ZOV_UNROLLED(i) {
@@ -89,8 +90,8 @@ struct RealInverse {
         const T re = spectrum[2 * k] - spectrum[2 * m];
         const T im = spectrum[2 * k + 1] + spectrum[2 * m + 1];
         if constexpr (8 * k == n) {
-          odd[2 * k] = (re - im) * kCos;
-          odd[2 * k + 1] = (re + im) * kCos;
+          odd[2 * k] = (re - im) * (2 * kCos);
+          odd[2 * k + 1] = (re + im) * (2 * kCos);
         } else {
           odd[2 * k] = re * kCos - im * kSin;
           odd[2 * k + 1] = im * kCos + re * kSin;
@@ -98,17 +99,25 @@ struct RealInverse {
       });
     }
     RealInverse<T, n / 2, 2 * step, kScaled>::Run(even, x, scale);
-    RealInverse<T, n / 2, 2 * step, kScaled>::Run(odd, x + step, scale);
+    RealInverse<T, n / 2, 2 * step, kScaled, (n >= 8)>::Run(odd, x + step, scale);
   }
 };
 
-template <class T, int step, bool kScaled>
-struct RealInverse<T, 1, step, kScaled> {
+template <class T, int step, bool kScaled, bool kDoubled>
+struct RealInverse<T, 1, step, kScaled, kDoubled> {
   static ZOV_INLINE void Run(const T* spectrum, T* x, T) { x[0] = spectrum[0]; }
 };
 
+// Scalars stay scalars: gathering them into vectors costs more than it saves, above all where the
+// next transform in place waits for them.
+#if defined(__clang__)
+#define ZOV_SCALAR_KERNEL
+#else
+#define ZOV_SCALAR_KERNEL __attribute__((optimize("no-tree-slp-vectorize")))
+#endif
+
 template <class T, int n, bool kScaled>
-void RealForwardKernel(const T* src, T* dst, T scale) {
+ZOV_SCALAR_KERNEL void RealForwardKernel(const T* src, T* dst, T scale) {
   T in[n];
   T out[n];
   for (int i = 0; i < n; ++i) in[i] = src[i];
@@ -117,7 +126,7 @@ void RealForwardKernel(const T* src, T* dst, T scale) {
 }
 
 template <class T, int n, bool kScaled>
-void RealInverseKernelOf(const T* src, T second, T* dst, T scale) {
+ZOV_SCALAR_KERNEL void RealInverseKernelOf(const T* src, T second, T* dst, T scale) {
   T in[n < 2 ? 2 : n];
   T out[n];
   in[0] = src[0];
