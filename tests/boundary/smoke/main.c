@@ -91,6 +91,7 @@ int main(int argc, char** argv) {
   SmokeFft();
   SmokeWindow();
   SmokeDesign();
+  SmokeFir();
   SmokeLarge();
 
   FILE* const list = fopen(argv[1], "r");

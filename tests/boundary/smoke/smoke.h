@@ -39,5 +39,6 @@ void SmokeResize(void);
 void SmokeFft(void);
 void SmokeWindow(void);
 void SmokeDesign(void);
+void SmokeFir(void);
 
 #endif
