@@ -2,6 +2,8 @@
 // 64-bit.
 #include "image/resize/buffer_size.h"
 
+#include "image/resize/kernel_taps.h"
+
 namespace zov {
 
 namespace {
@@ -50,11 +52,6 @@ Wide BytesByMethod(std::uint32_t method, const Extents& e, Wide realBytes) {
   }
 }
 
-Wide KernelRadius(std::uint32_t method) {
-  if (method == ZOV_INTERP_LINEAR) return 1;
-  return method == ZOV_INTERP_LANCZOS ? 3 : 2;
-}
-
 // Taps of a whole axis when the kernel widens with the reduction: the support is rounded up.
 Wide WidenedTaps(Wide radius, Wide src, Wide dst) {
   const Wide support = src >= dst ? (radius * src + dst - 1) / dst : radius;
@@ -62,7 +59,7 @@ Wide WidenedTaps(Wide radius, Wide src, Wide dst) {
 }
 
 Wide AntialiasBytes(std::uint32_t method, const Extents& e, Wide realBytes) {
-  const Wide radius = KernelRadius(method);
+  const Wide radius = static_cast<Wide>(KernelRadius(method));
   const Wide xTaps = WidenedTaps(radius, e.srcWidth, e.dstWidth);
   const Wide yTaps = WidenedTaps(radius, e.srcHeight, e.dstHeight);
   const Wide image = RoundUp(Product(Product(e.dstWidth, e.srcHeight), e.channels), 16);

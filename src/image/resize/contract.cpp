@@ -19,10 +19,10 @@ std::uint32_t MethodForImage(std::uint32_t method, ZovImageSize size) {
 }
 
 // The one list of what this release resizes: nearest with or without the antialias flag that it
-// ignores, and linear without flags.
+// ignores, and linear, the cubic kernels and Lanczos without flags.
 bool IsAvailable(const ResizeMode& mode) {
   if (mode.method == ZOV_INTERP_NEAREST) return (mode.flags & ~kAntialias) == 0;
-  return mode.method == ZOV_INTERP_LINEAR && mode.flags == 0;
+  return mode.method != ZOV_INTERP_AREA && mode.flags == 0;
 }
 
 int WrappingSum(int a, int b) {

@@ -29,7 +29,7 @@ ZOV_INLINE void FillPixels(const T* pixel, Zov8u* dst, int count) {
 // One axis of a linear resize: near band, interior, far band.
 struct LinearAxis {
   explicit LinearAxis(const ResizeAxis& a)
-      : axis(a), bands(FindLinearBands(a)), interior(a.count - bands.near - bands.far) {}
+      : axis(a), bands(FindBands(a, 1)), interior(a.count - bands.near - bands.far) {}
 
   ResizeAxis axis;
   ResizeBands bands;

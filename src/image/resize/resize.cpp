@@ -4,6 +4,7 @@
 #include "image/resize/buffer_size.h"
 #include "image/resize/contract.h"
 #include "image/resize/geometry.h"
+#include "image/resize/kernel_resize.h"
 #include "image/resize/linear.h"
 #include "image/resize/nearest.h"
 
@@ -43,8 +44,10 @@ ZovStatus Resize(const T* src, int srcStep, T* dst, int dstStep, const ResizeReq
   if (mode.method == ZOV_INTERP_NEAREST) {
     using Pixel = typename PixelOfBytes<kChannels* static_cast<int>(sizeof(T))>::Type;
     ResizeNearest<Pixel>(source, target, geometry, workBuffer);
-  } else {
+  } else if (mode.method == ZOV_INTERP_LINEAR) {
     LinearResize<T, kChannels>(source, target, geometry, workBuffer).Run();
+  } else {
+    ResizeByKernel<T, kChannels>(mode.method, source, target, geometry, workBuffer);
   }
   const bool ignored = (mode.flags & kAntialias) != 0 && IgnoresAntialias(mode.method);
   return ignored ? zovStsAntialiasIgnoredWrn : zovStsNoErr;

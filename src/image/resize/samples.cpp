@@ -3,33 +3,14 @@
 
 namespace zov {
 
-namespace {
-
-// Coordinates count from pixel edges and indices from pixel centres, so the sample of a pixel with
-// the centre at first + i + 0.5 lies half a pixel lower in index space.
-class LinearPosition {
- public:
-  explicit LinearPosition(const ResizeAxis& axis)
-      : first_(static_cast<double>(axis.first)),
-        inverse_(axis.inverse),
-        shift_(axis.offset - 0.5) {}
-  double operator()(int i) const { return (first_ + i + 0.5) * inverse_ + shift_; }
-
- private:
-  double first_;
-  double inverse_;
-  double shift_;
-};
-
-}  // namespace
-
 // Positions rise with the index. Their comparisons put a NaN, which an inverse beyond the range of
 // a double can bring, into a band, where taps are clamped.
-ResizeBands FindLinearBands(const ResizeAxis& axis) {
-  const LinearPosition position(axis);
-  const double last = axis.extent - 1;
+ResizeBands FindBands(const ResizeAxis& axis, int reach) {
+  const SamplePosition position(axis);
+  const double first = reach - 1;
+  const double last = axis.extent - reach;
   ResizeBands bands = {0, 0};
-  while (bands.near < axis.count && !(position(bands.near) >= 0)) ++bands.near;
+  while (bands.near < axis.count && !(position(bands.near) >= first)) ++bands.near;
   while (bands.far < axis.count - bands.near && !(position(axis.count - 1 - bands.far) < last)) {
     ++bands.far;
   }
@@ -38,7 +19,7 @@ ResizeBands FindLinearBands(const ResizeAxis& axis) {
 
 void LinearSamples(const ResizeAxis& axis, int begin, int count, std::int32_t* index,
                    double* fraction) {
-  const LinearPosition position(axis);
+  const SamplePosition position(axis);
   for (int i = 0; i < count; ++i) {
     const double at = position(begin + i);
     index[i] = static_cast<std::int32_t>(at);

@@ -13,7 +13,25 @@ struct ResizeBands {
   int far;
 };
 
-ResizeBands FindLinearBands(const ResizeAxis& axis);
+// `reach` is half the number of taps: 1 for linear, 2 for the cubics, 3 for Lanczos.
+ResizeBands FindBands(const ResizeAxis& axis, int reach);
+
+// Position of pixel i of an axis in index space. Coordinates count from pixel edges and indices
+// from pixel centres, so the sample of a pixel with the centre at first + i + 0.5 lies half a pixel
+// lower in index space.
+class SamplePosition {
+ public:
+  explicit SamplePosition(const ResizeAxis& axis)
+      : first_(static_cast<double>(axis.first)),
+        inverse_(axis.inverse),
+        shift_(axis.offset - 0.5) {}
+  double operator()(int i) const { return (first_ + i + 0.5) * inverse_ + shift_; }
+
+ private:
+  double first_;
+  double inverse_;
+  double shift_;
+};
 
 // Lower tap and fraction of `count` interior pixels from the pixel `begin` on.
 void LinearSamples(const ResizeAxis& axis, int begin, int count, std::int32_t* index,

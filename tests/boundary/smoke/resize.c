@@ -1,4 +1,4 @@
-/* Resizing: a ramp doubled in both directions, by nearest neighbour and linearly. */
+/* Resizing: a ramp doubled in both directions by each method. */
 #include "smoke.h"
 
 enum { W = 40, H = 30, C = 4 };
@@ -11,6 +11,16 @@ static const ZovImageRect dstRoi = {0, 0, 2 * W, 2 * H};
 /* What column x holds: the source is 4 times its column. */
 static int Nearest(int x) { return 4 * (x / 2); }
 static int Linear(int x) { return x == 0 ? 0 : x == 2 * W - 1 ? 4 * (W - 1) : 2 * x - 1; }
+
+/* Past the edges, every kernel keeps a ramp, Lanczos nearly so. */
+static int IsSmooth(double value, int x) {
+  const double distance = value - (2 * x - 1);
+  return x < 5 || x >= 2 * W - 5 || (distance < 0.6 && distance > -0.6);
+}
+static const int smooth[] = {ZOV_INTERP_CUBIC, ZOV_INTERP_CUBIC_BSPLINE,
+                             ZOV_INTERP_CUBIC_CATMULLROM, ZOV_INTERP_CUBIC_MIXED,
+                             ZOV_INTERP_LANCZOS};
+enum { SMOOTH = sizeof smooth / sizeof smooth[0] };
 
 #define RESIZE(T, name, getBufSize, channels)                                                     \
   do {                                                                                            \
@@ -32,6 +42,15 @@ static int Linear(int x) { return x == 0 ? 0 : x == 2 * W - 1 ? 4 * (W - 1) : 2 
         0, 0, ZOV_INTERP_LINEAR, work);                                                           \
     for (int y = 0; y < 2 * H; ++y) {                                                             \
       EACH(2 * W * (channels), CLOSE(dst[y][i], Linear(i / (channels))));                         \
+    }                                                                                             \
+    for (int m = 0; m < SMOOTH; ++m) {                                                            \
+      RUN(getBufSize, srcRoi, dstRoi, channels, smooth[m], &bytes);                               \
+      EXPECT(bytes > 0 && bytes <= (int)sizeof work);                                             \
+      RUN(name, src[0], size, (int)sizeof src[0], srcRoi, dst[0], (int)sizeof dst[0], dstRoi, 2,  \
+          2, 0, 0, smooth[m], work);                                                              \
+      for (int y = 0; y < 2 * H; ++y) {                                                           \
+        EACH(2 * W * (channels), IsSmooth((double)dst[y][i], i / (channels)));                    \
+      }                                                                                           \
     }                                                                                             \
   } while (0)
 
