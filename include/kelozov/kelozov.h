@@ -1581,8 +1581,18 @@ KELO_API ZovStatus Kelo_zovsRShiftC_16u_I(int val, Zov16u* pSrcDst, int len);
  * between levels: level 6 fuses multiply and add of `32f` images, and the weights of Lanczos differ
  * between level 0 and the others in the last place.
  *
- * This release resizes by all methods but ::ZOV_INTERP_AREA, without flags; that method, and a flag
- * that a method does not ignore, give ::zovStsInterpolationErr.
+ * ::ZOV_INTERP_AREA takes factors up to 1. A destination pixel is the mean of the source under it,
+ * each source pixel by its share; the outermost pixels are repeated beyond the image. Where the
+ * inverse factors are whole numbers of pixels and the first pixel starts on a pixel edge, each
+ * within 1e-7, sums of 8-bit pixels are exact, and the mean, rounded to the nearest, is too up to
+ * the last place of the product with the factors. Otherwise sums of `8u` and `32f` are rounded to
+ * binary32 after each pixel, and shares of 1e-7 or less are dropped. An inverse factor less than
+ * 1e-7 below a whole number counts as one with a remainder, so that a column may be counted twice;
+ * dividing a length by a whole number of pixels gives such factors rarely. Levels differ only in
+ * that level 6 rounds the product and the sum of an 8-bit result once.
+ *
+ * This release resizes without flags; a flag that a method does not ignore gives
+ * ::zovStsInterpolationErr.
  */
 /** @{ */
 

@@ -3,6 +3,10 @@
 
 namespace zov {
 
+bool IgnoresAntialias(std::uint32_t method) {
+  return method == ZOV_INTERP_NEAREST || method == ZOV_INTERP_AREA;
+}
+
 namespace {
 
 bool IsCubic(std::uint32_t method) {
@@ -18,11 +22,11 @@ std::uint32_t MethodForImage(std::uint32_t method, ZovImageSize size) {
   return method;
 }
 
-// The one list of what this release resizes: nearest with or without the antialias flag that it
-// ignores, and linear, the cubic kernels and Lanczos without flags.
+// The one list of what this release resizes: every method without flags, nearest and area also with
+// the antialias flag that they ignore.
 bool IsAvailable(const ResizeMode& mode) {
-  if (mode.method == ZOV_INTERP_NEAREST) return (mode.flags & ~kAntialias) == 0;
-  return mode.method != ZOV_INTERP_AREA && mode.flags == 0;
+  if (IgnoresAntialias(mode.method)) return (mode.flags & ~kAntialias) == 0;
+  return mode.flags == 0;
 }
 
 int WrappingSum(int a, int b) {
@@ -52,10 +56,6 @@ bool IsValidMode(const ResizeMode& mode) {
                      mode.method == ZOV_INTERP_LANCZOS;
   const bool atMostOneFlag = (mode.flags & (mode.flags - 1)) == 0;
   return known && atMostOneFlag;
-}
-
-bool IgnoresAntialias(std::uint32_t method) {
-  return method == ZOV_INTERP_NEAREST || method == ZOV_INTERP_AREA;
 }
 
 ZovStatus CheckResize(bool anyNull, const ResizeRequest& request, ResizeMode* mode) {

@@ -1,6 +1,7 @@
 // Entries of the resize family: checks, geometry, and the route by method.
 #include "core/checks.h"
 #include "core/entries.h"
+#include "image/resize/area.h"
 #include "image/resize/buffer_size.h"
 #include "image/resize/contract.h"
 #include "image/resize/geometry.h"
@@ -44,6 +45,8 @@ ZovStatus Resize(const T* src, int srcStep, T* dst, int dstStep, const ResizeReq
   if (mode.method == ZOV_INTERP_NEAREST) {
     using Pixel = typename PixelOfBytes<kChannels* static_cast<int>(sizeof(T))>::Type;
     ResizeNearest<Pixel>(source, target, geometry, workBuffer);
+  } else if (mode.method == ZOV_INTERP_AREA) {
+    ResizeArea<T, kChannels>(source, target, geometry, request.xFactor * request.yFactor);
   } else if (mode.method == ZOV_INTERP_LINEAR) {
     LinearResize<T, kChannels>(source, target, geometry, workBuffer).Run();
   } else {
