@@ -74,6 +74,8 @@ foreach(level IN LISTS KELOZOV_LEVELS)
     $<$<CXX_COMPILER_ID:GNU>:-fno-tree-loop-distribute-patterns -fno-tree-loop-vectorize -fno-ipa-ra>
     $<$<CXX_COMPILER_ID:Clang>:-fno-builtin-memset$<SEMICOLON>-fno-builtin-memcpy>)
   target_link_libraries(kelozov_level_${level} PRIVATE kelozov_flags)
+  # Half of the time of a small source.
+  target_precompile_headers(kelozov_level_${level} PRIVATE <immintrin.h>)
   set_target_properties(kelozov_level_${level} PROPERTIES POSITION_INDEPENDENT_CODE ON)
   math(EXPR number "${number} + 1")
 endforeach()
