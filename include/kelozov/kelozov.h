@@ -1369,7 +1369,9 @@ KELO_API ZovStatus Kelo_zovsLn_32f(const Zov32f* pSrc, Zov32f* pDst, int len);
 KELO_API ZovStatus Kelo_zovsExp_32f(const Zov32f* pSrc, Zov32f* pDst, int len);
 
 /**
- * @brief pDst[i] = arc tangent of pSrc[i], computed in double precision and rounded.
+ * @brief pDst[i] = arc tangent of pSrc[i].
+ * At level 0 it is computed in double precision and rounded. From level 1 on the error is below 1.4
+ * units in the last place.
  * An infinity gives pi/2 with its sign, and so does a signalling NaN; a quiet NaN gives 0x7FC00000
  * or, when negative, 0xFFC00000. A zero of either sign gives +0.
  * @param pSrc source, @p len elements

@@ -22,7 +22,8 @@ ZOV_INLINE F TakeOffPi(F x, F n) {
 #else
   x = x - n * Splat(0x1.92p+1F / kDivisor);
   x = x - n * Splat(0x1.fbp-11F / kDivisor);
-  return x - n * Splat(0x1.5110b4p-21F / kDivisor);
+  x = x - n * Splat(0x1.51p-21F / kDivisor);
+  return x - n * Splat(0x1.0b4612p-33F / kDivisor);
 #endif
 }
 

@@ -44,8 +44,8 @@ TEST(Elementary, ValuesKeepTheirAccuracy) {
   std::vector<float> y(x.size());
   const int n = static_cast<int>(x.size());
   ForEachLevel([&](int level) {
-    // Double precision, rounded, at the lowest level; 21 bits above. The arc tangent's quotient
-    // holds 2^-28 at every level.
+    // Double precision, rounded, at the lowest level. Above, 21 bits for two, and for the arc
+    // tangent less than two roundings.
     const double bound = level == 0 ? 0x1.01p-24 : 0x1p-21;
     ZOV_AT(level, zovsLn_32f)(x.data(), y.data(), n);
     for (std::size_t i = 0; i < x.size(); ++i) {
@@ -62,7 +62,8 @@ TEST(Elementary, ValuesKeepTheirAccuracy) {
     EXPECT_EQ(ZOV_AT(level, zovsArctan_32f)(x.data(), y.data(), n), zovStsNoErr);
     for (std::size_t i = 0; i < x.size(); ++i) {
       if (std::isnan(x[i])) continue;
-      ASSERT_LE(ErrorOf(y[i], std::atan(double{x[i]})), 0x1.2p-24) << "atan " << x[i];
+      ASSERT_LE(ErrorOf(y[i], std::atan(double{x[i]})), level == 0 ? 0x1.2p-24 : 0x1p-23)
+          << "atan " << x[i];
     }
   });
 }
