@@ -57,6 +57,78 @@ ZOV_INLINE void ReverseOwn(const T* src, T* dst, std::ptrdiff_t p, std::ptrdiff_
   ReversalSquare<T>::Load(src, p, half).Store(dst, p, half);
 }
 
+// A square of whole cache lines, 2^kLog of them that lie far apart, on its way through the
+// reversal.
+template <class T>
+struct LineSquare {
+  static constexpr int kLog = sizeof(T) == 4 ? 3 : 2;
+  static constexpr int kSide = 1 << kLog;
+  static constexpr int kReversed[8] = {0, kSide / 2, kSide / 4, kSide * 3 / 4, 1, 5, 3, 7};
+
+  alignas(64) T values[kSide][2 * kSide];
+
+  ZOV_INLINE void Load(const T* z, std::ptrdiff_t stride) {
+    using V = Vec<T, kFloatVectorBytes / static_cast<int>(sizeof(T))>;
+    for (int row = 0; row < kSide; ++row) {
+      for (int i = 0; i < 2 * kSide; i += V::kLanes) {
+        V::Load(z + 2 * row * stride + i).Store(values[row] + i);
+      }
+    }
+  }
+  // Rows and columns exchange their places and are reversed, two by two.
+  ZOV_INLINE void Store(T* z, std::ptrdiff_t stride) const {
+    for (int column = 0; column < kSide; column += 2) {
+      T* const low = z + 2 * kReversed[column] * stride;
+      T* const high = low + kSide * stride;
+      for (int row = 0; row < kSide; row += 2) {
+        const T* const a = values[kReversed[row]] + 2 * column;
+        const T* const b = a + kSide * kSide;
+        if constexpr (sizeof(T) == 4) {
+          const __m128 x = _mm_load_ps(a), y = _mm_load_ps(b);
+          Vec128<T>{_mm_movelh_ps(x, y)}.Store(low + 2 * row);
+          Vec128<T>{_mm_movehl_ps(y, x)}.Store(high + 2 * row);
+        } else {
+          Vec128<T>::Load(a).Store(low + 2 * row);
+          Vec128<T>::Load(b).Store(low + 2 * row + 2);
+          Vec128<T>::Load(a + 2).Store(high + 2 * row);
+          Vec128<T>::Load(b + 2).Store(high + 2 * row + 2);
+        }
+      }
+    }
+  }
+};
+
+// Long arrays: steps of a large power of two put all lines of a square into one set of the cache,
+// so each is read and written whole, once. It needs no table.
+template <class T>
+ZOV_NOINLINE void ReverseByLines(const T* src, T* dst, int c) {
+  using Square = LineSquare<T>;
+  const std::ptrdiff_t stride = std::ptrdiff_t{1} << (c - Square::kLog);
+  const std::ptrdiff_t count = stride >> Square::kLog;
+  std::ptrdiff_t j = 0;
+  Square own, partner;
+  for (std::ptrdiff_t i = 0; i < count; ++i) {
+    const std::ptrdiff_t p = i * 2 * Square::kSide;
+    const std::ptrdiff_t q = j * 2 * Square::kSide;
+    if (src != dst || i == j) {
+      own.Load(src + p, stride);
+      own.Store(dst + q, stride);
+    } else if (i < j) {
+      own.Load(src + p, stride);
+      partner.Load(src + q, stride);
+      own.Store(dst + q, stride);
+      partner.Store(dst + p, stride);
+    }
+    // The next number in reversed order: leading ones are cleared, the first zero is set.
+    std::ptrdiff_t bit = count / 2;
+    for (; (j & bit) != 0; bit >>= 1) j ^= bit;
+    j |= bit;
+  }
+}
+// Complex order from which lines that lie far apart share a set of the first-level cache.
+template <class T>
+inline constexpr int kLinesFrom = sizeof(T) == 4 ? 12 : 11;
+
 // By a swap list of order c: pairs up to a zero, then lone indices, of which that zero is the
 // first, up to the next zero. Entries are twice the index.
 template <class T>
@@ -82,55 +154,62 @@ void ReverseByTable(const T* src, T* dst, int c, const Zov32s* table) {
   }
 }
 
-// By tiles of 2^logTile rows of as many values, the rows far apart: a tile is reversed in work
-// memory, where it is contiguous, and goes to the place of its partner.
+// By tiles of 2^logTile rows of as many values, the rows far apart, so that few pages are in use at
+// a time. The squares of a tile go to the place of its partner.
 template <class T>
 struct TiledReversal {
+  using Square = LineSquare<T>;
   const T* src;
   T* dst;
   int c;
   int logTile;
   const Zov32s* table;
-  T* work;
 
-  void Gather(std::ptrdiff_t offset, T* tile) const {
-    const std::ptrdiff_t side = std::ptrdiff_t{1} << logTile;
-    const std::ptrdiff_t stride = std::ptrdiff_t{1} << (c - logTile);
-    for (std::ptrdiff_t row = 0; row < side; ++row) {
-      CopyRow(src + 2 * (offset + row * stride), tile + 2 * row * side, 2 * side);
-    }
-    const Zov32s* const swapList = table + (std::ptrdiff_t{1} << (c - 2 * logTile));
-    ReverseBySwapList(tile, tile, 2 * logTile, swapList);
+  // Squares of 2^logSquares by as many in a tile; step between the lines of one.
+  int logSquares = logTile - Square::kLog;
+  std::ptrdiff_t rowStride = std::ptrdiff_t{1} << (c - logTile);
+  std::ptrdiff_t lineStride = rowStride << logSquares;
+
+  ZOV_INLINE std::ptrdiff_t Place(std::ptrdiff_t tile, std::ptrdiff_t row,
+                                  std::ptrdiff_t column) const {
+    return 2 * (tile + row * rowStride + (column << Square::kLog));
   }
-  void Scatter(const T* tile, std::ptrdiff_t offset) const {
-    const std::ptrdiff_t side = std::ptrdiff_t{1} << logTile;
-    const std::ptrdiff_t stride = std::ptrdiff_t{1} << (c - logTile);
-    for (std::ptrdiff_t row = 0; row < side; ++row) {
-      CopyRow(tile + 2 * row * side, dst + 2 * (offset + row * stride), 2 * side);
+
+  ZOV_INLINE void Tile(std::ptrdiff_t own, std::ptrdiff_t partner) const {
+    const std::ptrdiff_t side = std::ptrdiff_t{1} << logSquares;
+    Square square, other;
+    std::ptrdiff_t reversedRow = 0;
+    for (std::ptrdiff_t row = 0; row < side; ++row, reversedRow = Next(reversedRow, side)) {
+      std::ptrdiff_t reversedColumn = 0;
+      for (std::ptrdiff_t column = 0; column < side;
+           ++column, reversedColumn = Next(reversedColumn, side)) {
+        const std::ptrdiff_t p = Place(own, row, column);
+        const std::ptrdiff_t q = Place(partner, reversedColumn, reversedRow);
+        if (src != dst || p == q) {
+          square.Load(src + p, lineStride);
+          square.Store(dst + q, lineStride);
+        } else if (own != partner || p < q) {
+          square.Load(src + p, lineStride);
+          other.Load(src + q, lineStride);
+          square.Store(dst + q, lineStride);
+          other.Store(dst + p, lineStride);
+        }
+      }
     }
   }
-  static ZOV_INLINE void CopyRow(const T* from, T* to, std::ptrdiff_t count) {
-    using V = Vec<T, kFloatVectorBytes / static_cast<int>(sizeof(T))>;
-    for (std::ptrdiff_t i = 0; i < count; i += V::kLanes) V::Load(from + i).Store(to + i);
+  // The next number below `count` in reversed order.
+  static ZOV_INLINE std::ptrdiff_t Next(std::ptrdiff_t reversed, std::ptrdiff_t count) {
+    std::ptrdiff_t bit = count / 2;
+    for (; (reversed & bit) != 0; bit >>= 1) reversed ^= bit;
+    return reversed | bit;
   }
 
   void Run() const {
     const std::ptrdiff_t columns = std::ptrdiff_t{1} << (c - 2 * logTile);
-    T* const second = work + (std::ptrdiff_t{2} << 2 * logTile);
     for (std::ptrdiff_t i = 0; i < columns; ++i) {
       const std::ptrdiff_t own = i << logTile;
       const std::ptrdiff_t partner = table[i];
-      if (src != dst) {
-        Gather(own, work);
-        Scatter(work, partner);
-      } else if (own <= partner) {
-        Gather(own, work);
-        if (own != partner) {
-          Gather(partner, second);
-          Scatter(second, own);
-        }
-        Scatter(work, partner);
-      }
+      if (src != dst || own <= partner) Tile(own, partner);
     }
   }
 };

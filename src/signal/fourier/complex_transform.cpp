@@ -13,11 +13,12 @@ namespace zov::ZOV_LEVEL_NAMESPACE {
 namespace {
 
 // The stages run in the destination where they can, else in the work buffer; the last stage writes
-// the destination.
+// the destination. Lengths without work come here only to another array.
 template <class T, bool kInverse>
 void OnePass(const T* src, T* dst, int c, const FftSpec<T>& spec, T* work, bool scaled) {
   constexpr Form kForm = kInverse ? Form::exchanged : Form::interleaved;
-  T* const target = src != dst && IsAligned<32>(dst) ? dst : work;
+  const bool withoutWork = c >= FftLimitsOf<T>(kLevel).inPlaceFrom;
+  T* const target = withoutWork || (src != dst && IsAligned<32>(dst)) ? dst : work;
   FirstPassReversed<T, kInverse>(src, target, c, spec.bitRevTable);
   if (scaled) {
     AllStages<T, kForm, true>(target, dst, c, spec.cplxTwiddles, spec.scale);
@@ -27,14 +28,16 @@ void OnePass(const T* src, T* dst, int c, const FftSpec<T>& spec, T* work, bool 
 }
 
 template <class T>
-void Reverse(const T* src, T* dst, int c, const FftSpec<T>& spec, T* work) {
+void Reverse(const T* src, T* dst, int c, const FftSpec<T>& spec) {
   constexpr const FftLimits& kLimits = FftLimitsOf<T>(kLevel);
-  if (kLevel == Level::sse2) {
+  if (c < kLimits.tiledFrom && c >= kLinesFrom<T>) {
+    ReverseByLines(src, dst, c);
+  } else if (kLevel == Level::sse2) {
     ReverseBySwapList(src, dst, c, spec.bitRevTable);
   } else if (c < kLimits.tiledFrom) {
     ReverseByTable(src, dst, c, spec.bitRevTable);
   } else {
-    TiledReversal<T>{src, dst, c, kLimits.logTile, spec.bitRevTable, work}.Run();
+    TiledReversal<T>{src, dst, c, kLimits.logTile, spec.bitRevTable}.Run();
   }
 }
 
@@ -72,11 +75,11 @@ void ComplexTransform(const T* src, T* dst, const FftSpec<T>& spec, T* work) {
     return;
   }
   if constexpr (kLevel != Level::sse2) {
-    if (c <= kLimits.lastWhole && c < kLimits.inPlaceFrom) {
+    if (c <= kLimits.lastWhole && (c < kLimits.inPlaceFrom || src != dst)) {
       return OnePass<T, kInverse>(src, dst, c, spec, work, scaled);
     }
   }
-  Reverse(src, dst, c, spec, work);
+  Reverse(src, dst, c, spec);
   if constexpr (kLevel == Level::sse2) {
     BaselineInPlace<T, kInverse>(dst, c, spec, work, scaled);
   } else if (c <= kLimits.lastWhole || SplitOf(kLimits, c).rows == 0) {

@@ -202,30 +202,51 @@ ZOV_INLINE void QuarterTurn(Split<T> a, Split<T> b, Split<T>& plus, Split<T>& mi
 
 inline constexpr double kSqrtHalf = 0.70710678118654752440;
 
-// a times the first and the third power of exp(-2 pi i / 8), conjugated for the inverse.
+// a times the first power of exp(-2 pi i / 8) over kSqrtHalf, and times the third over -kSqrtHalf,
+// conjugated for the inverse.
+template <bool kInverse, class T>
+ZOV_INLINE void EighthTurnUnscaled(Interleaved<T>& a) {
+  const Lanes<T> swapped = SwapParts(a.v);
+  a.v = kInverse ? SubAdd(a.v, swapped) : AddSub(a.v, swapped);
+}
+template <bool kInverse, class T>
+ZOV_INLINE void ThreeEighthsTurnUnscaled(Interleaved<T>& a) {
+  EighthTurnUnscaled<!kInverse>(a);
+}
+template <bool kInverse, class T>
+ZOV_INLINE void EighthTurnUnscaled(Split<T>& a) {
+  static_assert(!kInverse, "the split layout runs the inverse with its parts exchanged");
+  a = {a.re + a.im, a.im - a.re};
+}
+template <bool kInverse, class T>
+ZOV_INLINE void ThreeEighthsTurnUnscaled(Split<T>& a) {
+  static_assert(!kInverse, "the split layout runs the inverse with its parts exchanged");
+  a = {a.re - a.im, a.re + a.im};
+}
 template <bool kInverse, class T>
 ZOV_INLINE void EighthTurn(Interleaved<T>& a) {
-  const Lanes<T> root = Lanes<T>::Broadcast(static_cast<T>(kSqrtHalf));
-  const Lanes<T> swapped = SwapParts(a.v);
-  a.v = kInverse ? SubAdd(a.v, swapped) * root : AddSub(a.v, swapped) * root;
+  EighthTurnUnscaled<kInverse>(a);
+  a = a * static_cast<T>(kSqrtHalf);
 }
 template <bool kInverse, class T>
 ZOV_INLINE void ThreeEighthsTurn(Interleaved<T>& a) {
-  const Lanes<T> root = Lanes<T>::Broadcast(static_cast<T>(-kSqrtHalf));
-  const Lanes<T> swapped = SwapParts(a.v);
-  a.v = kInverse ? AddSub(a.v, swapped) * root : SubAdd(a.v, swapped) * root;
+  ThreeEighthsTurnUnscaled<kInverse>(a);
+  a = a * static_cast<T>(-kSqrtHalf);
 }
-template <bool kInverse, class T>
-ZOV_INLINE void EighthTurn(Split<T>& a) {
-  static_assert(!kInverse, "the split layout runs the inverse with its parts exchanged");
-  a = Split<T>{a.re + a.im, a.im - a.re} * static_cast<T>(kSqrtHalf);
+
+// plus = a + b x and minus = a - b x.
+template <class T>
+ZOV_INLINE void PlusMinusScaled(Interleaved<T> a, Interleaved<T> b, double x, Interleaved<T>& plus,
+                                Interleaved<T>& minus) {
+  const Lanes<T> factor = Lanes<T>::Broadcast(static_cast<T>(x));
+  plus.v = Fma(b.v, factor, a.v);
+  minus.v = Fnma(b.v, factor, a.v);
 }
-template <bool kInverse, class T>
-ZOV_INLINE void ThreeEighthsTurn(Split<T>& a) {
-  static_assert(!kInverse, "the split layout runs the inverse with its parts exchanged");
-  using V = Lanes<T>;
-  a = {(a.im - a.re) * V::Broadcast(static_cast<T>(kSqrtHalf)),
-       (a.re + a.im) * V::Broadcast(static_cast<T>(-kSqrtHalf))};
+template <class T>
+ZOV_INLINE void PlusMinusScaled(Split<T> a, Split<T> b, double x, Split<T>& plus, Split<T>& minus) {
+  const Lanes<T> factor = Lanes<T>::Broadcast(static_cast<T>(x));
+  plus = {Fma(b.re, factor, a.re), Fma(b.im, factor, a.im)};
+  minus = {Fnma(b.re, factor, a.re), Fnma(b.im, factor, a.im)};
 }
 
 // Transforms of 4 and 8 values, natural order in and out.
@@ -244,17 +265,15 @@ template <bool kInverse, class C>
 ZOV_INLINE void Transform8(C& a0, C& a1, C& a2, C& a3, C& a4, C& a5, C& a6, C& a7) {
   Transform4<kInverse>(a0, a2, a4, a6);
   Transform4<kInverse>(a1, a3, a5, a7);
-  EighthTurn<kInverse>(a3);
-  ThreeEighthsTurn<kInverse>(a7);
+  EighthTurnUnscaled<kInverse>(a3);
+  ThreeEighthsTurnUnscaled<kInverse>(a7);
   const C e0 = a0, e1 = a2, e2 = a4, e3 = a6;
   const C o0 = a1, o1 = a3, o2 = a5, o3 = a7;
   a0 = e0 + o0;
   a4 = e0 - o0;
-  a1 = e1 + o1;
-  a5 = e1 - o1;
+  PlusMinusScaled(e1, o1, kSqrtHalf, a1, a5);
   QuarterTurn<kInverse>(e2, o2, a2, a6);
-  a3 = e3 + o3;
-  a7 = e3 - o3;
+  PlusMinusScaled(e3, o3, -kSqrtHalf, a3, a7);
 }
 
 // a times exp(-2 pi i k / n), conjugated for the inverse.

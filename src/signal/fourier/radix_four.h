@@ -64,24 +64,23 @@ struct BaselineTransform {
   // Joins blocks of 4 into blocks of 8; the eighth root stands in the table.
   static ZOV_INLINE void JoinFours(T* array, Index length, const T* twiddles) {
     const T root = twiddles[6 * (length / 8)];
+    const T sign = kInverse ? root : -root;
+    const T powers[8] = {1, 0, root, sign, 0, kInverse ? T{1} : T{-1}, -root, sign};
+    V re[4 / kLanes], im[4 / kLanes];
+    for (Index i = 0; i < 4 / kLanes; ++i) {
+      const V w = V::Load(powers + 2 * kLanes * i);
+      re[i] = RealParts(w);
+      im[i] = Conjugate(ImagParts(w));
+    }
     for (T* p = array; p < array + 2 * length; p += 16) {
-      C even[4 / kLanes], odd[4 / kLanes];
       for (Index i = 0; i < 4 / kLanes; ++i) {
-        even[i] = C::Load(p + 2 * kLanes * i);
-        odd[i] = C::Load(p + 8 + 2 * kLanes * i);
-      }
-      const T sign = kInverse ? root : -root;
-      const T powers[8] = {1, 0, root, sign, 0, kInverse ? T{1} : T{-1}, -root, sign};
-      for (Index i = 0; i < 4 / kLanes; ++i) {
-        const C w = C::Load(powers + 2 * kLanes * i);
-        const C turned = odd[i].Times(RealParts(w.v), ImagParts(w.v) ^ MinusOnReal());
-        (even[i] + turned).Store(p + 2 * kLanes * i);
-        (even[i] - turned).Store(p + 8 + 2 * kLanes * i);
+        T* const low = p + 2 * kLanes * i;
+        const C even = C::Load(low);
+        const C odd = C::Load(low + 8).TimesConj(re[i], im[i]);
+        (even + odd).Store(low);
+        (even - odd).Store(low + 8);
       }
     }
-  }
-  static ZOV_INLINE V MinusOnReal() {
-    return ImagSigns<T, V::kLanes>() ^ V::Broadcast(static_cast<T>(-0.0));
   }
 
   static ZOV_INLINE void RadixFourPass(T* block, Index quarter, const T* twiddles, Index step) {
