@@ -94,16 +94,26 @@ struct SplitLoop {
   // The vector of the source that k = 1 stands in, or that follows it where a vector holds one
   // value; the results before it.
   V ahead{}, behind{};
+  V last{};  // the vector that begins with the middle
 
   static ZOV_INLINE V CoarseRe(const T* coarse) { return V::Broadcast(coarse[0]); }
   static ZOV_INLINE V CoarseIm(const T* coarse) {
     return V::Broadcast(-coarse[1]) ^ ImagSigns<T, V::kLanes>();
   }
 
-  ZOV_INLINE void Begin() { ahead = V::Load(src); }
+  ZOV_INLINE void Begin(T re, T im) {
+    ahead = V::Load(src);
+    for (int i = 0; i < V::kLanes; i += 2) behind.v[i] = re, behind.v[i + 1] = im;
+  }
+  // The middle goes to its place within a whole vector, which the next loads wait for.
+  ZOV_INLINE void SetMiddle(T re, T im) {
+    last.v[0] = re;
+    last.v[1] = im;
+    last.Store(dst + length);
+  }
 
   // Pairs k + 1 to k + count for whole vectors, with the factors of a one-level table or, where
-  // there is a coarse factor, of the fine entries. X[0] comes out undefined.
+  // there is a coarse factor, of the fine entries. Between vectors, X[0] is what Begin got.
   template <bool kBetween>
   ZOV_INLINE void RunWhole(Index k, Index count, const T* table, const T* coarse) {
     V coarseRe{}, coarseIm{};
@@ -121,7 +131,8 @@ struct SplitLoop {
       } else {
         NearOrder(z.v).Store(dst + 2 * (k + 1));
       }
-      FarOrder(y.v).Store(far);
+      last = FarOrder(y.v);
+      last.Store(far);
       ahead = next;
       behind = z.v;
     }
@@ -165,9 +176,22 @@ struct SplitLoop {
 #endif
 };
 
-// Runs over k from 1 up to the middle. The caller sets X[0] and the middle, which vectors touch.
+template <class T>
+struct Pair {
+  T re, im;
+};
+
+// Runs over k from 1 up to the middle; the values for k = 0 and the middle are given.
 template <Formula kOneLevel, Formula kTwoLevel, class T>
-ZOV_INLINE void SplitAll(const T* src, T* dst, int order, const T* table) {
+ZOV_INLINE void SplitAll(const T* src, T* dst, int order, const T* table, Pair<T> first,
+                         Pair<T> mid) {
+  const auto setEnds = [=]() __attribute__((always_inline)) {
+    T* const place = dst + (Index{1} << (order - 1));
+    dst[0] = first.re;
+    dst[1] = first.im;
+    place[0] = mid.re;
+    place[1] = mid.im;
+  };
   const Index length = Index{1} << (order - 1);
   const Index middle = length / 2;
   constexpr Index kFine = Index{1} << kLogFine<T>;
@@ -177,7 +201,7 @@ ZOV_INLINE void SplitAll(const T* src, T* dst, int order, const T* table) {
   if (oneLevel) {
     const SplitLoop<kOneLevel, T> loop = {src, dst, length};
     loop.Run(1, middle - 1, table + 2, nullptr);
-    return;
+    return setEnds();
   }
   const SplitLoop<kTwoLevel, T> loop = {src, dst, length};
   loop.Run(1, kFine - 1, table + 2, coarse);
@@ -185,25 +209,29 @@ ZOV_INLINE void SplitAll(const T* src, T* dst, int order, const T* table) {
     coarse += 2;
     loop.Run(k, kFine, table, coarse);
   }
+  setEnds();
 #else
   // Long arrays come from memory, not from stores that are still under way; there the way between
   // whole vectors pays only where it is a blend.
   constexpr bool kBlends = sizeof(T) == 8;
   if (oneLevel) {
     SplitLoop<kOneLevel, T> loop = {src, dst, length};
-    loop.Begin();
+    loop.Begin(first.re, first.im);
     if (kBlends || order <= FftLimitsOf<T>(kLevel).lastSmall) {
       loop.template RunWhole<true>(0, middle, table, nullptr);
+      loop.SetMiddle(mid.re, mid.im);
     } else {
       loop.template RunWhole<false>(0, middle, table, nullptr);
+      setEnds();
     }
     return;
   }
   SplitLoop<kTwoLevel, T> loop = {src, dst, length};
-  loop.Begin();
+  loop.Begin(first.re, first.im);
   for (Index k = 0; k < middle; k += kFine, coarse += 2) {
     loop.template RunWhole<kBlends>(k, kFine, table, coarse);
   }
+  setEnds();
 #endif
 }
 
@@ -211,29 +239,18 @@ ZOV_INLINE void SplitAll(const T* src, T* dst, int order, const T* table) {
 
 template <class T>
 void ForwardSplit(T* array, const FftSpec<T>& spec) {
-  T* const middle = array + (Index{1} << (spec.order - 1));
-  const T first[2] = {array[0], array[1]};
-  const T re = middle[0];
-  const T im = middle[1];
-  SplitAll<Formula::forward, Formula::forwardTwoLevel>(static_cast<const T*>(array), array,
-                                                       spec.order, spec.splitFwd);
-  array[0] = first[0] + first[1];
-  array[1] = first[0] - first[1];
-  middle[0] = re;
-  middle[1] = -im;
+  const T* const middle = array + (Index{1} << (spec.order - 1));
+  SplitAll<Formula::forward, Formula::forwardTwoLevel>(
+      static_cast<const T*>(array), array, spec.order, spec.splitFwd,
+      Pair<T>{array[0] + array[1], array[0] - array[1]}, Pair<T>{middle[0], -middle[1]});
 }
 
 template <class T>
 void InverseSplit(const T* src, T last, T* dst, const FftSpec<T>& spec) {
-  const Index middle = Index{1} << (spec.order - 1);
-  const T first = src[0];
-  const T re = src[middle];
-  const T im = src[middle + 1];
-  SplitAll<Formula::inverse, Formula::inverse>(src, dst, spec.order, spec.splitInv);
-  dst[0] = first + last;
-  dst[1] = first - last;
-  dst[middle] = re + re;
-  dst[middle + 1] = static_cast<T>(-2) * im;
+  const T* const middle = src + (Index{1} << (spec.order - 1));
+  SplitAll<Formula::inverse, Formula::inverse>(
+      src, dst, spec.order, spec.splitInv, Pair<T>{src[0] + last, src[0] - last},
+      Pair<T>{middle[0] + middle[0], static_cast<T>(-2) * middle[1]});
 }
 
 template void ForwardSplit<Zov32f>(Zov32f*, const FftSpec<Zov32f>&);
