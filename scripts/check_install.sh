@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs the library, moves the tree, and builds and runs the README's program against it: by
-# pkg-config and by CMake; or, as scripts/check_install.sh windows, the cross-built DLL under Wine.
+# Installs the library, moves the tree, and builds and runs the README's program against it, by
+# pkg-config and by CMake, and the examples; or, as scripts/check_install.sh windows, runs the
+# README's program with the cross-built DLL under Wine.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 version=$(sed -n 's/^ *VERSION \([0-9.]*\)$/\1/p' CMakeLists.txt)
@@ -70,6 +71,31 @@ check_linux() {
   cmake --build "$work/build" >/dev/null
   [[ $(env -u LD_LIBRARY_PATH "$work/build/hello") == "$expected" ]] ||
     fail "the program built by CMake prints something else"
+  check_examples
+}
+
+# The examples build without a warning, and the stop band of filtered noise is what its design
+# promises, which the program tells by its status.
+check_examples() {
+  cmake -S examples -B "$work/examples" -DCMAKE_PREFIX_PATH="$stage" -DCMAKE_C_FLAGS=-Werror >/dev/null
+  cmake --build "$work/examples" >/dev/null
+  python3 - "$work/noise.wav" <<'END'
+import random, sys, wave
+random.seed(1)
+with wave.open(sys.argv[1], "wb") as file:
+    file.setnchannels(2)
+    file.setsampwidth(2)
+    file.setframerate(44100)
+    file.writeframes(random.randbytes(2 * 2 * 50000))
+END
+  local options
+  for options in "--lowpass 3000" "--highpass 8000 --taps 100" "--bandpass 300,3000 --taps 1001" \
+    "--bandstop 2000,9000 --window blackman --block 100"; do
+    # shellcheck disable=SC2086
+    "$work/examples/filter_sound" $options --plot "$work/noise.png" "$work/noise.wav" \
+      "$work/filtered.wav" >"$work/filter.log" || fail "filter_sound $options: $(cat "$work/filter.log")"
+    [[ -s $work/noise.png ]] || fail "filter_sound $options draws no plot"
+  done
 }
 
 check_windows() {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that the named groups of work need and that are not there yet:
-#   scripts/install_deps.sh build test windows demo bench docs
+#   scripts/install_deps.sh build test windows examples demo bench docs
 # Asks nothing. Needs root or sudo only when something is missing.
 set -euo pipefail
 
@@ -8,7 +8,8 @@ declare -A groups=(
   [build]="cmake ninja-build g++ zlib1g-dev"
   [test]="libgtest-dev googletest python3 binutils clang clang-format qemu-user git pkg-config"
   [windows]="g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64"
-  [demo]="pkg-config libpng-dev graphicsmagick lomiri-wallpapers-16.04"
+  [examples]="pkg-config libpng-dev libsndfile1-dev gnuplot-nox"
+  [demo]="graphicsmagick lomiri-wallpapers-16.04 alsa-utils"
   [docs]="doxygen"
   [bench]="libbenchmark-dev libfftw3-dev libopencv-core-dev libopencv-imgproc-dev libvolk2-dev
            libswscale-dev libzimg-dev libsleef-dev libliquid-dev pkg-config python3"

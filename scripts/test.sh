@@ -35,7 +35,7 @@ stage() {
   fi
 }
 
-stage packages 'scripts/install_deps.sh build test windows docs'
+stage packages 'scripts/install_deps.sh build test windows examples docs'
 
 stage format '
   find bench examples include src tests -name "*.[ch]" -o -name "*.cpp" |
