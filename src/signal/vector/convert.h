@@ -30,7 +30,24 @@ ZOV_INLINE void ConvertOneByOne(const Conversion& conversion, const S* pSrc, D* 
   for (int i = begin; i < len; ++i) pDst[i] = conversion.One(pSrc[i]);
 }
 
-// A conversion has kStep, Block (kStep elements) and One (one element), with equal results.
+// A conversion has kStep, Block (kStep elements) and One (one element), with equal results. One
+// with kBlockOnly has no quick way to a single element: what is left is converted as part of a
+// block.
+template <class Conversion, class S, class D>
+ZOV_INLINE void ConvertRest(const Conversion& conversion, const S* pSrc, D* pDst, int begin,
+                            int len) {
+  if constexpr (requires { Conversion::kBlockOnly; }) {
+    if (begin == len) return;
+    S elements[Conversion::kStep] = {};
+    D results[Conversion::kStep];
+    for (int i = begin; i < len; ++i) elements[i - begin] = pSrc[i];
+    conversion.Block(elements, results);
+    for (int i = begin; i < len; ++i) pDst[i] = results[i - begin];
+  } else {
+    ConvertOneByOne(conversion, pSrc, pDst, begin, len);
+  }
+}
+
 template <class Conversion, class S, class D>
 ZOV_INLINE void ConvertArray(const Conversion& conversion, const S* pSrc, D* pDst, int len) {
   constexpr int kStep = Conversion::kStep;
@@ -43,7 +60,7 @@ ZOV_INLINE void ConvertArray(const Conversion& conversion, const S* pSrc, D* pDs
     conversion.Block(pSrc + i, pDst + i);
     i += kStep;
   }
-  ConvertOneByOne(conversion, pSrc, pDst, i, len);
+  ConvertRest(conversion, pSrc, pDst, i, len);
 }
 
 // The same, with arrays that overlap taken element by element from the first on.

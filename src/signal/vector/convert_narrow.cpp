@@ -9,27 +9,30 @@ namespace zov::ZOV_LEVEL_NAMESPACE {
 
 namespace {
 
-constexpr double kMax32f = 3.4028234663852886e38;
+constexpr float kMax32f = 3.4028234663852886e38F;
 
-ZOV_INLINE void StoreHalf(__m128i x, void* p) { _mm_storel_epi64(static_cast<__m128i*>(p), x); }
-
-// The limits are the first operands, so that a NaN passes through.
+// An infinity of the conversion stands for what lies beyond the limits too. The limits are the
+// first operands, so that a NaN passes through.
 struct Narrow64f32f {
-  static constexpr int kStep = 4;
-  static ZOV_INLINE VecD Limit(VecD x) {
-    return Max(VecD::Broadcast(-kMax32f), Min(VecD::Broadcast(kMax32f), x));
-  }
-  static ZOV_INLINE void Block(const Zov64f* pSrc, Zov32f* pDst) {
+  static constexpr int kStep = VecF::kLanes;
+  static ZOV_INLINE VecF LoadNarrowed(const Zov64f* pSrc) {
 #if defined(__AVX__)
-    _mm_storeu_ps(pDst, _mm256_cvtpd_ps(Limit(VecD::Load(pSrc)).v));
+    const __m128 low = _mm256_cvtpd_ps(_mm256_loadu_pd(pSrc));
+    const __m128 high = _mm256_cvtpd_ps(_mm256_loadu_pd(pSrc + 4));
+    return {_mm256_insertf128_ps(_mm256_castps128_ps256(low), high, 1)};
 #else
-    const __m128 low = _mm_cvtpd_ps(Limit(VecD::Load(pSrc)).v);
-    const __m128 high = _mm_cvtpd_ps(Limit(VecD::Load(pSrc + 2)).v);
-    _mm_storeu_ps(pDst, _mm_movelh_ps(low, high));
+    const __m128 low = _mm_cvtpd_ps(_mm_loadu_pd(pSrc));
+    const __m128 high = _mm_cvtpd_ps(_mm_loadu_pd(pSrc + 2));
+    return {_mm_movelh_ps(low, high)};
 #endif
   }
+  static ZOV_INLINE void Block(const Zov64f* pSrc, Zov32f* pDst) {
+    const VecF x = Min(VecF::Broadcast(kMax32f), LoadNarrowed(pSrc));
+    Max(VecF::Broadcast(-kMax32f), x).Store(pDst);
+  }
   static ZOV_INLINE Zov32f One(Zov64f x) {
-    return static_cast<Zov32f>(x > kMax32f ? kMax32f : x < -kMax32f ? -kMax32f : x);
+    const Zov32f y = static_cast<Zov32f>(x);
+    return y > kMax32f ? kMax32f : y < -kMax32f ? -kMax32f : y;
   }
 };
 
@@ -52,123 +55,153 @@ struct Narrow32s16s {
   }
 };
 
-// Scale, limit, round. The limits are applied before rounding.
+// Scale, limit, round.
 template <int kRound, bool kScaled>
 struct Narrow32f16s {
   float scale;
   VecF scales = VecF::Broadcast(scale);
 
-  static constexpr int kStep = VecF::kLanes;
+  static constexpr int kStep = 2 * VecF::kLanes;
+  static constexpr bool kBlockOnly = true;
   static constexpr bool kFinancial = kRound == ZOV_RND_FINANCIAL;
 
+  // The upper limit; the saturation of the packs below is the lower one, as the hardware converts
+  // what lies below its range to its least integer.
   ZOV_INLINE VecF Scaled(VecF x) const {
     if constexpr (kScaled) x = x * scales;
-    x = Max(VecF::Broadcast(-32768.0F), Min(VecF::Broadcast(32767.0F), x));
-    // Twice the magnitude: its truncated value, plus one, halved, is the nearest with ties away.
-    if constexpr (kFinancial) x = AndNot(VecF::Broadcast(-0.0F), x + x);
-    return x;
-  }
-  static ZOV_INLINE __m128i ToInteger(__m128 x) {
-    return kRound == ZOV_RND_NEAR ? _mm_cvtps_epi32(x) : _mm_cvttps_epi32(x);
-  }
-  // Half of twice the magnitude plus one, with the sign of the element: 0 or -1 in `sign`.
-  static ZOV_INLINE __m128i HalveWithSign(__m128i twice, __m128i sign) {
-    const __m128i half = _mm_srli_epi32(_mm_add_epi32(twice, _mm_set1_epi32(1)), 1);
-    return _mm_sub_epi32(_mm_xor_si128(half, sign), sign);
-  }
-  static ZOV_INLINE __m128i SignOf(const Zov32f* pSrc) {
-    return _mm_srai_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(pSrc)), 31);
-  }
-  ZOV_INLINE void Block(const Zov32f* pSrc, Zov16s* pDst) const {
-    const VecF x = Scaled(VecF::Load(pSrc));
-#if defined(__AVX__)
-    __m128i low;
-    __m128i high;
-    const __m256i rounded =
-        kRound == ZOV_RND_NEAR ? _mm256_cvtps_epi32(x.v) : _mm256_cvttps_epi32(x.v);
-    low = _mm256_castsi256_si128(rounded);
-    high = _mm256_extractf128_si256(rounded, 1);
     if constexpr (kFinancial) {
-      low = HalveWithSign(low, SignOf(pSrc));
-      high = HalveWithSign(high, SignOf(pSrc + 4));
+      // Twice the magnitude: its truncated value, plus one, halved, is the nearest with ties away.
+      return Min(VecF::Broadcast(65536.0F), AndNot(VecF::Broadcast(-0.0F), x + x));
+    } else {
+      return Min(VecF::Broadcast(32767.0F), x);
     }
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(pDst), _mm_packs_epi32(low, high));
+  }
+  // Half of twice the magnitude plus one, with the sign of the element.
+  static ZOV_INLINE __m128i HalveWithSign(__m128i twice, const Zov32f* pSrc) {
+    const __m128i half = _mm_srli_epi32(_mm_add_epi32(twice, _mm_set1_epi32(1)), 1);
+    const __m128i source = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pSrc));
+#if defined(__SSSE3__)
+    return _mm_sign_epi32(half, source);
 #else
-    __m128i rounded = ToInteger(x.v);
-    if constexpr (kFinancial) rounded = HalveWithSign(rounded, SignOf(pSrc));
-    StoreHalf(_mm_packs_epi32(rounded, rounded), pDst);
+    const __m128i sign = _mm_srai_epi32(source, 31);
+    return _mm_sub_epi32(_mm_xor_si128(half, sign), sign);
 #endif
   }
-  ZOV_INLINE Zov16s One(Zov32f x) const {
-    // Through the vector form, so that the hardware's rounding is the same.
-    Zov32f elements[kStep] = {x};
-    Zov16s results[kStep];
-    Block(elements, results);
-    return results[0];
+#if defined(__AVX2__)
+  ZOV_INLINE __m256i Integers(const Zov32f* pSrc) const {
+    const VecF x = Scaled(VecF::Load(pSrc));
+    if constexpr (kRound == ZOV_RND_NEAR) return _mm256_cvtps_epi32(x.v);
+    const __m256i rounded = _mm256_cvttps_epi32(x.v);
+    if constexpr (!kFinancial) return rounded;
+    const __m256i half = _mm256_srli_epi32(_mm256_add_epi32(rounded, _mm256_set1_epi32(1)), 1);
+    return _mm256_sign_epi32(half, _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pSrc)));
   }
+  ZOV_INLINE void Block(const Zov32f* pSrc, Zov16s* pDst) const {
+    const __m256i packed = _mm256_packs_epi32(Integers(pSrc), Integers(pSrc + 8));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(pDst), _mm256_permute4x64_epi64(packed, 0xD8));
+  }
+#elif defined(__AVX__)
+  ZOV_INLINE void Half(const Zov32f* pSrc, Zov16s* pDst) const {
+    const VecF x = Scaled(VecF::Load(pSrc));
+    const __m256i rounded =
+        kRound == ZOV_RND_NEAR ? _mm256_cvtps_epi32(x.v) : _mm256_cvttps_epi32(x.v);
+    __m128i low = _mm256_castsi256_si128(rounded);
+    __m128i high = _mm256_extractf128_si256(rounded, 1);
+    if constexpr (kFinancial) {
+      low = HalveWithSign(low, pSrc);
+      high = HalveWithSign(high, pSrc + 4);
+    }
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(pDst), _mm_packs_epi32(low, high));
+  }
+  ZOV_INLINE void Block(const Zov32f* pSrc, Zov16s* pDst) const {
+    Half(pSrc, pDst);
+    Half(pSrc + 8, pDst + 8);
+  }
+#else
+  ZOV_INLINE __m128i Integers(const Zov32f* pSrc) const {
+    const VecF x = Scaled(VecF::Load(pSrc));
+    if constexpr (kRound == ZOV_RND_NEAR) return _mm_cvtps_epi32(x.v);
+    const __m128i rounded = _mm_cvttps_epi32(x.v);
+    return kFinancial ? HalveWithSign(rounded, pSrc) : rounded;
+  }
+  ZOV_INLINE void Block(const Zov32f* pSrc, Zov16s* pDst) const {
+    const __m128i packed = _mm_packs_epi32(Integers(pSrc), Integers(pSrc + 4));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(pDst), packed);
+  }
+#endif
 };
 
+// From level 1 on the hardware rounds to nearest, in the mode that the routine sees to.
 template <int kRound, bool kScaled>
 struct Narrow64f16s {
   double scale;
   VecD scales = VecD::Broadcast(scale);
 
-  static constexpr int kStep = 4;
+  static constexpr int kStep = 8;
+  static constexpr bool kBlockOnly = true;
+  static constexpr bool kByHardware = kRound == ZOV_RND_NEAR && kLevel >= Level::sse3;
 
-  // Limited, rounded and still a double, truncation left to do; a NaN becomes 0, the low half of
-  // the hardware's answer.
-  ZOV_INLINE VecD Rounded(VecD x) const {
+  // Scaled, and with what is added for rounding.
+  template <bool kLimited>
+  ZOV_INLINE VecD Prepared(VecD x) const {
     if constexpr (kScaled) x = x * scales;
-    x = Limit(x);
+    // A NaN counts as 0, the low half of the hardware's answer to it.
+    if constexpr (kLimited) {
+      x = x & As<double>(x == x);
+      x = Max(VecD::Broadcast(-32768.0), Min(VecD::Broadcast(32767.0), x));
+    }
+    if constexpr (kRound == ZOV_RND_ZERO || kByHardware) return x;
     const VecD sign = x & VecD::Broadcast(-0.0);
     const VecD biased = x + (sign | VecD::Broadcast(0.5));
-    if constexpr (kRound == ZOV_RND_FINANCIAL) {
-      x = biased;
-    } else if constexpr (kRound == ZOV_RND_NEAR) {
-#if defined(__SSE4_1__)
-      x = RoundEven(x);
-#else
-      // An odd result that the addition reached exactly was a tie: one step toward zero.
-      const __m128i truncated = _mm_cvttpd_epi32(biased.v);
-      const VecD whole = {_mm_cvtepi32_pd(truncated)};
-      const __m128i odd = _mm_slli_epi32(truncated, 31);
-      const __m128i oddWide = _mm_srai_epi32(_mm_unpacklo_epi32(odd, odd), 31);
-      const VecD tie = As<double>((whole == biased) &
-                                  Vec<std::int64_t, 2>{(Vec<std::int64_t, 2>::Native)oddWide});
-      x = whole - (tie & (sign | VecD::Broadcast(1.0)));
+#if !defined(__SSE3__)
+    if constexpr (kRound == ZOV_RND_NEAR) return OneLessAtTies(biased, sign);
 #endif
+    return biased;
+  }
+#if !defined(__SSE3__)
+  // An odd result that the addition reached exactly was a tie: one step toward zero.
+  static ZOV_INLINE VecD OneLessAtTies(VecD biased, VecD sign) {
+    const __m128i truncated = _mm_cvttpd_epi32(biased.v);
+    const VecD whole = {_mm_cvtepi32_pd(truncated)};
+    const __m128i odd = _mm_slli_epi32(truncated, 31);
+    const __m128i oddWide = _mm_srai_epi32(_mm_unpacklo_epi32(odd, odd), 31);
+    const VecD tie =
+        As<double>((whole == biased) & Vec<std::int64_t, 2>{(Vec<std::int64_t, 2>::Native)oddWide});
+    return whole - (tie & (sign | VecD::Broadcast(1.0)));
+  }
+#endif
+  template <bool kLimited>
+  ZOV_INLINE __m128i Integers(const Zov64f* pSrc) const {
+#if defined(__AVX__)
+    const VecD x = Prepared<kLimited>(VecD::Load(pSrc));
+    return kByHardware ? _mm256_cvtpd_epi32(x.v) : _mm256_cvttpd_epi32(x.v);
+#else
+    const VecD low = Prepared<kLimited>(VecD::Load(pSrc));
+    const VecD high = Prepared<kLimited>(VecD::Load(pSrc + 2));
+    if constexpr (kByHardware) {
+      return _mm_unpacklo_epi64(_mm_cvtpd_epi32(low.v), _mm_cvtpd_epi32(high.v));
+    } else {
+      return _mm_unpacklo_epi64(_mm_cvttpd_epi32(low.v), _mm_cvttpd_epi32(high.v));
     }
-    return x;
-  }
-  static ZOV_INLINE VecD Limit(VecD x) {
-    const VecD ordered = x & As<double>(x == x);
-    return Max(VecD::Broadcast(-32768.0), Min(VecD::Broadcast(32767.0), ordered));
-  }
-#if defined(__AVX__)
-  static ZOV_INLINE VecD RoundEven(VecD x) {
-    return {_mm256_round_pd(x.v, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
-  }
-#elif defined(__SSE4_1__)
-  static ZOV_INLINE VecD RoundEven(VecD x) {
-    return {_mm_round_pd(x.v, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
-  }
 #endif
+  }
+  // The pack saturates what fits in 32 bits. For a NaN and what lies outside, the hardware answers
+  // with its least integer; the block is then converted again, limited first.
   ZOV_INLINE void Block(const Zov64f* pSrc, Zov16s* pDst) const {
-#if defined(__AVX__)
-    const __m128i rounded = _mm256_cvttpd_epi32(Rounded(VecD::Load(pSrc)).v);
-#else
-    const __m128i rounded = _mm_unpacklo_epi64(_mm_cvttpd_epi32(Rounded(VecD::Load(pSrc)).v),
-                                               _mm_cvttpd_epi32(Rounded(VecD::Load(pSrc + 2)).v));
-#endif
-    StoreHalf(_mm_packs_epi32(rounded, rounded), pDst);
-  }
-  ZOV_INLINE Zov16s One(Zov64f x) const {
-    Zov64f elements[kStep] = {x};
-    Zov16s results[kStep];
-    Block(elements, results);
-    return results[0];
+    __m128i low = Integers<false>(pSrc);
+    __m128i high = Integers<false>(pSrc + 4);
+    const __m128i least = _mm_set1_epi32(-0x7FFFFFFF - 1);
+    const __m128i misses = _mm_or_si128(_mm_cmpeq_epi32(low, least), _mm_cmpeq_epi32(high, least));
+    if (__builtin_expect(_mm_movemask_epi8(misses) != 0, 0)) {
+      low = Integers<true>(pSrc);
+      high = Integers<true>(pSrc + 4);
+    }
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(pDst), _mm_packs_epi32(low, high));
   }
 };
+
+// The rounding field of MXCSR: all ones truncate, zeros round to nearest.
+constexpr std::uint32_t kRoundField = 0x6000;
 
 // 2^-scaleFactor by repeated multiplication: 0 or infinity where binary32 ends, which is long
 // before 200 products.
@@ -221,12 +254,11 @@ ZovStatus zovsConvert_32f16s_Sfs(const Zov32f* pSrc, Zov16s* pDst, int len, int 
   if (const ZovStatus status = CheckArrays(len, pSrc, pDst)) return status;
   const float scale = PowerByProducts(scaleFactor);
   // From level 1 on the rounding of the thread is truncation while ties go away from zero.
-  constexpr std::uint32_t kTruncate = 0x6000;
   const bool truncates =
       kLevel >= Level::sse3 && rndMode != ZOV_RND_ZERO && rndMode != ZOV_RND_NEAR;
-  const std::uint32_t saved = truncates ? zovCpuSetRoundMode(kTruncate) : kTruncate;
+  const std::uint32_t saved = truncates ? zovCpuSetRoundMode(kRoundField) : kRoundField;
   NarrowByMode<Narrow32f16s>(pSrc, pDst, len, rndMode, scale, scaleFactor != 0);
-  if ((saved & kTruncate) != kTruncate) zovCpuSetRoundMode(saved);
+  if ((saved & kRoundField) != kRoundField) zovCpuSetRoundMode(saved);
   return zovStsNoErr;
 }
 
@@ -234,7 +266,10 @@ ZovStatus zovsConvert_64f16s_Sfs(const Zov64f* pSrc, Zov16s* pDst, int len, int 
                                  int scaleFactor) {
   if (const ZovStatus status = CheckArrays(len, pSrc, pDst)) return status;
   const double scale = PowerOfTwo(scaleFactor);
+  const bool setsNear = kLevel >= Level::sse3 && rndMode == ZOV_RND_NEAR;
+  const std::uint32_t saved = setsNear ? zovCpuSetRoundMode(0) : 0;
   NarrowByMode<Narrow64f16s>(pSrc, pDst, len, rndMode, scale, scaleFactor != 0);
+  if ((saved & kRoundField) != 0) zovCpuSetRoundMode(saved);
   return zovStsNoErr;
 }
 

@@ -86,12 +86,20 @@ struct ScaleSample {
 ZOV_INLINE void SplitPairs(const ScaleSample& scale, const Zov16s* pSrc, Zov32f* pFirst,
                            Zov32f* pSecond, int len) {
   int i = 0;
+#if defined(__AVX2__)
+  for (; len - i >= 8; i += 8) {
+    const __m256i x = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pSrc + 2 * i));
+    const __m256i first = _mm256_srai_epi32(_mm256_slli_epi32(x, 16), 16);
+    scale.Apply({_mm256_cvtepi32_ps(first)}).Store(pFirst + i);
+    scale.Apply({_mm256_cvtepi32_ps(_mm256_srai_epi32(x, 16))}).Store(pSecond + i);
+  }
+#endif
+  const auto scales = Vec<float, 4>::Broadcast(kSampleScale);
+  const auto offsets = Vec<float, 4>::Broadcast(kSampleOffset);
   for (; len - i >= 4; i += 4) {
     const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pSrc + 2 * i));
     const Vec<float, 4> first = {_mm_cvtepi32_ps(_mm_srai_epi32(_mm_slli_epi32(x, 16), 16))};
     const Vec<float, 4> second = {_mm_cvtepi32_ps(_mm_srai_epi32(x, 16))};
-    const auto scales = Vec<float, 4>::Broadcast(kSampleScale);
-    const auto offsets = Vec<float, 4>::Broadcast(kSampleOffset);
     (first * scales + offsets).Store(pFirst + i);
     (second * scales + offsets).Store(pSecond + i);
   }

@@ -43,9 +43,11 @@ class RunningBest {
   }
   ZOV_INLINE void Take(int chain, V x) { best_[chain] = Order::Better(x, best_[chain]); }
   ZOV_INLINE T Result() const {
-    T lanes[V::kLanes];
     const V low = Order::Better(best_[1], best_[0]);
-    Order::Better(Order::Better(best_[3], best_[2]), low).Store(lanes);
+    const V all = Order::Better(Order::Better(best_[3], best_[2]), low);
+    if constexpr (sizeof(T) == 2) return BestOfShorts(all);
+    T lanes[V::kLanes];
+    all.Store(lanes);
     T best = lanes[0];
     for (int i = 1; i < V::kLanes; ++i) {
       if (Order::IsBetter(lanes[i], best)) best = lanes[i];
@@ -54,6 +56,21 @@ class RunningBest {
   }
 
  private:
+  // Half against half, down to one.
+  static ZOV_INLINE T BestOfShorts(V x) {
+    using Half = Vec128<T>;
+#if defined(__AVX2__)
+    Half best =
+        Order::Better(Half{(typename Half::Native)_mm256_extracti128_si256((__m256i)x.v, 1)},
+                      Half{(typename Half::Native)_mm256_castsi256_si128((__m256i)x.v)});
+#else
+    Half best = x;
+#endif
+    best = Order::Better(Half{(typename Half::Native)_mm_srli_si128((__m128i)best.v, 8)}, best);
+    best = Order::Better(Half{(typename Half::Native)_mm_srli_si128((__m128i)best.v, 4)}, best);
+    best = Order::Better(Half{(typename Half::Native)_mm_srli_si128((__m128i)best.v, 2)}, best);
+    return best.v[0];
+  }
   V best_[kChains];
 };
 
