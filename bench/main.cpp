@@ -117,6 +117,8 @@ int main(int argc, char** argv) {
   AddSearchCases(cases);
   AddResizeCases(cases);
   AddFftCases(cases);
+  AddConversionCases(cases);
+  AddStatisticsCases(cases);
   for (const Case& each : cases) {
     const std::string name = each.family + "/" + each.operation + "/" + each.size;
     benchmark::RegisterBenchmark(

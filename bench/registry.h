@@ -27,6 +27,8 @@ void AddArithmeticCases(Cases& cases);
 void AddSearchCases(Cases& cases);
 void AddResizeCases(Cases& cases);
 void AddFftCases(Cases& cases);
+void AddConversionCases(Cases& cases);
+void AddStatisticsCases(Cases& cases);
 
 // "256 B", "16 KiB", "4 MiB"
 std::string BytesLabel(std::size_t bytes);

@@ -27,6 +27,8 @@ AIMS = [
       for type in ("32f", "64f") for direction in ("forward", "inverse")
       for mean, sizes in ((1.4, r"2\^([4-9]|1[0-5])$"), (1.1, r"2\^(1[6-9]|2[0-2])$"))),
     Aim("fft", ".*", 1.0, 1.0, "size"),
+    Aim("conversion", ".*", 1.2, 0.95, "operation"),
+    Aim("statistics", ".*", 1.2, 0.95, "operation"),
 ]
 HIGHEST_LEVEL = 6
 LEAST_STEP = 0.95  # a level against the one below

@@ -18,12 +18,21 @@
   X(zovsDivC_32f_I) X(zovsDivCRev_32f) X(zovsDivCRev_32f_I) X(zovsAbs_32f) X(zovsAbs_32f_I)       \
   X(zovsSqr_32f_I) X(zovsSqrt_32f) X(zovsMagnitude_32fc) X(zovsMagnitude_64fc)                    \
   X(zovsMagnitude_16sc_Sfs) X(zovsPhase_32fc)
+#define ZOV_PLAIN_SAMPLE_LOOPS(X)                                                                 \
+  X(zovsConvert_16s32f) X(zovsConvert_16s64f_Sfs) X(zovsConvert_32f64f) X(zovsConvert_64f32f)     \
+  X(zovsConvert_32s16s) X(zovsConvert_32f16s_Sfs) X(zovsConvert_64f16s_Sfs)                       \
+  X(zovsSplitScaled_16s32f_D2L) X(zovsSum_16s32s_Sfs) X(zovsMean_16s_Sfs) X(zovsMean_32s_Sfs)     \
+  X(zovsMean_32f) X(zovsMean_64f) X(zovsStdDev_32f) X(zovsMax_16s) X(zovsMax_32f) X(zovsMax_64f)  \
+  X(zovsMin_16s) X(zovsMin_32f) X(zovsMinMax_16s) X(zovsMinMax_16u) X(zovsMinMax_32f)             \
+  X(zovsMaxIndx_32f) X(zovsMinIndx_32f) X(zovsMaxEvery_32f_I) X(zovsMinEvery_32f_I)               \
+  X(zovsNormalize_32f) X(zovsNormalize_64f)
 // clang-format on
 
 namespace zov::bench {
 
 #define ZOV_DECLARE(name) extern const decltype(&Kelo_##name) plain_##name[kLevelCount];
 ZOV_PLAIN_LOOPS(ZOV_DECLARE)
+ZOV_PLAIN_SAMPLE_LOOPS(ZOV_DECLARE)
 #undef ZOV_DECLARE
 
 }  // namespace zov::bench

@@ -4,9 +4,10 @@
 namespace zov::bench {
 
 #define ZOV_DECLARE(name) decltype(Kelo_##name) name;
-#define ZOV_DECLARE_LEVEL(level) \
-  namespace plain::level {       \
-  ZOV_PLAIN_LOOPS(ZOV_DECLARE)   \
+#define ZOV_DECLARE_LEVEL(level)      \
+  namespace plain::level {            \
+  ZOV_PLAIN_LOOPS(ZOV_DECLARE)        \
+  ZOV_PLAIN_SAMPLE_LOOPS(ZOV_DECLARE) \
   }
 ZOV_DECLARE_LEVEL(sse2)
 ZOV_DECLARE_LEVEL(sse3)
@@ -21,5 +22,6 @@ ZOV_DECLARE_LEVEL(avx2)
       plain::sse2::name, plain::sse3::name, plain::ssse3::name, plain::ssse3_movbe::name, \
       plain::sse4::name, plain::avx::name,  plain::avx2::name};
 ZOV_PLAIN_LOOPS(ZOV_DEFINE)
+ZOV_PLAIN_SAMPLE_LOOPS(ZOV_DEFINE)
 
 }  // namespace zov::bench

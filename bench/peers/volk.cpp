@@ -1,5 +1,6 @@
 // VOLK's kernels by level, and as VOLK dispatches them itself.
 #include "peers/volk.h"
+#include "peers/volk_samples.h"
 
 #include <volk/volk.h>
 
@@ -33,9 +34,10 @@ const VolkKernels kVolkUnheld = {
     THROUGH(volk_64f_x2_multiply_64f),
 };
 
-#define ZOV_DECLARE(level)           \
-  namespace volk::level {            \
-  extern const VolkKernels kKernels; \
+#define ZOV_DECLARE(level)                 \
+  namespace volk::level {                  \
+  extern const VolkKernels kKernels;       \
+  extern const VolkSampleKernels kSamples; \
   }
 ZOV_DECLARE(sse2)
 ZOV_DECLARE(sse3)
@@ -49,5 +51,10 @@ const VolkKernels* const kVolkHeld[kLevelCount] = {
     &volk::sse2::kKernels,        &volk::sse3::kKernels, &volk::ssse3::kKernels,
     &volk::ssse3_movbe::kKernels, &volk::sse4::kKernels, &volk::avx::kKernels,
     &volk::avx2::kKernels};
+
+const VolkSampleKernels* const kVolkSamples[kLevelCount] = {
+    &volk::sse2::kSamples,        &volk::sse3::kSamples, &volk::ssse3::kSamples,
+    &volk::ssse3_movbe::kSamples, &volk::sse4::kSamples, &volk::avx::kSamples,
+    &volk::avx2::kSamples};
 
 }  // namespace zov::bench
