@@ -119,6 +119,7 @@ int main(int argc, char** argv) {
   AddFftCases(cases);
   AddConversionCases(cases);
   AddStatisticsCases(cases);
+  AddFirCases(cases);
   for (const Case& each : cases) {
     const std::string name = each.family + "/" + each.operation + "/" + each.size;
     benchmark::RegisterBenchmark(

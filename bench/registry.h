@@ -29,6 +29,7 @@ void AddResizeCases(Cases& cases);
 void AddFftCases(Cases& cases);
 void AddConversionCases(Cases& cases);
 void AddStatisticsCases(Cases& cases);
+void AddFirCases(Cases& cases);
 
 // "256 B", "16 KiB", "4 MiB"
 std::string BytesLabel(std::size_t bytes);

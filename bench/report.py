@@ -29,6 +29,9 @@ AIMS = [
     Aim("fft", ".*", 1.0, 1.0, "size"),
     Aim("conversion", ".*", 1.2, 0.95, "operation"),
     Aim("statistics", ".*", 1.2, 0.95, "operation"),
+    Aim("fir", "32f direct", 1.6, 1.2, "size"),
+    Aim("fir", "32f by FFT", 1.3, 1.0, "size"),
+    Aim("fir", "64f.* direct", 1.6, 1.2, "size"),
 ]
 HIGHEST_LEVEL = 6
 LEAST_STEP = 0.95  # a level against the one below
