@@ -1593,7 +1593,16 @@ KELO_API ZovStatus Kelo_zovsRShiftC_16u_I(int val, Zov16u* pSrcDst, int len);
  * dividing a length by a whole number of pixels gives such factors rarely. Levels differ only in
  * that level 6 rounds the product and the sum of an 8-bit result once.
  *
- * This release resizes without flags; a flag that a method does not ignore gives
+ * ::ZOV_RESIZE_ANTIALIAS widens the kernel of linear, the cubics and Lanczos by 1 / factor on an axis
+ * that reduces: with c = (x + 0.5 - shift) / factor, the source pixels j whose distance |c - j| is
+ * within the widened radius are weighed by K(|c - j| * factor) (on an axis that enlarges by
+ * K(|c - j|)), divided by the sum of the weights. Positions are counted without the half pixel
+ * above, so the picture stands half a source pixel further on. Rows are summed in binary64 and
+ * rounded to binary32 (`64f`: kept), columns are summed in that precision; 8-bit images are then
+ * rounded with exact halves going up. Results are the same at every level.
+ * ::ZOV_INTERP_NEAREST and ::ZOV_INTERP_AREA ignore the flag.
+ *
+ * This release resizes without the edge flag, which gives
  * ::zovStsInterpolationErr.
  */
 /** @{ */

@@ -22,12 +22,8 @@ std::uint32_t MethodForImage(std::uint32_t method, ZovImageSize size) {
   return method;
 }
 
-// The one list of what this release resizes: every method without flags, nearest and area also with
-// the antialias flag that they ignore.
-bool IsAvailable(const ResizeMode& mode) {
-  if (IgnoresAntialias(mode.method)) return (mode.flags & ~kAntialias) == 0;
-  return mode.flags == 0;
-}
+// The one list of what this release resizes: every method, without edge flags.
+bool IsAvailable(const ResizeMode& mode) { return (mode.flags & ~kAntialias) == 0; }
 
 int WrappingSum(int a, int b) {
   return static_cast<int>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));

@@ -93,8 +93,10 @@ class KernelResize {
   }
 
   void InnerRows(int begin, int end) const {
-    // Two rows of the same lines share the vertical pass, unless they overlap.
+    // Two rows of the same lines share the vertical pass, unless they overlap. The weights of two
+    // rows of six taps would not stay in registers.
     const bool rowsApart = dst_.step >= rowBytes_ || -dst_.step >= rowBytes_;
+    const int most = kTaps == 4 && rowsApart ? 2 : 1;
     Ring ring(lines_, stride_);
     Taps next = {};
     if (begin < end) next = TapsOfRow(begin);
@@ -106,7 +108,7 @@ class KernelResize {
         for (int k = 0; k < kTaps; ++k) weights[rows * kTaps + k] = next.weights[k];
         ++rows;
         if (row + rows < end) next = TapsOfRow(row + rows);
-      } while (rows < 2 && rowsApart && row + rows < end && next.first == first);
+      } while (rows < most && row + rows < end && next.first == first);
 
       const Real* lines[kTaps];
       GetLines<true>(&ring, first, kTaps, lines);
@@ -121,11 +123,10 @@ class KernelResize {
       const std::int64_t elements = std::int64_t{width_} * kChannels;
       const RowWriter writers[2] = {RowWriter(dst_.Row(row), rowBytes_, streams_),
                                     RowWriter(dst_.Row(row + rows - 1), rowBytes_, streams_)};
-      if (rows == 2) {
-        CombineLines<T, kTaps, 2>(lines, weights, writers, elements);
-      } else {
-        CombineLines<T, kTaps, 1>(lines, weights, writers, elements);
+      if constexpr (kTaps == 4) {
+        if (rows == 2) CombineLines<T, kTaps, 2>(lines, weights, writers, elements);
       }
+      if (rows == 1) CombineLines<T, kTaps, 1>(lines, weights, writers, elements);
     }
     for (int r = 0; r < rows; ++r) {
       Zov8u* const target = dst_.Row(row + r);

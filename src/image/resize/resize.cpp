@@ -1,6 +1,7 @@
 // Entries of the resize family: checks, geometry, and the route by method.
 #include "core/checks.h"
 #include "core/entries.h"
+#include "image/resize/antialias.h"
 #include "image/resize/area.h"
 #include "image/resize/buffer_size.h"
 #include "image/resize/contract.h"
@@ -30,6 +31,18 @@ struct PixelOfBytes<8> {
   using Type = std::uint64_t;
 };
 
+// The size of the work buffer that the caller was told to bring tells how much of it may be used.
+template <class T, int kChannels>
+ZOV_NOINLINE void ResizeAntialiased(std::uint32_t method, SourceView src, TargetView dst,
+                                    const ResizeGeometry& geometry, const ResizeRequest& request,
+                                    Zov8u* workBuffer) {
+  constexpr int kReal = sizeof(T) == sizeof(Zov64f) ? sizeof(Zov64f) : sizeof(Zov32f);
+  int bytes = 0;
+  ResizeBufferSize(request.srcRoi, request.dstRoi, kChannels, request.interpolation, kReal,
+                   kAlignmentAllowance, &bytes);
+  AntialiasResize<T, kChannels>(src, dst, geometry, method).Run(workBuffer, bytes);
+}
+
 template <class T, int kChannels>
 ZovStatus Resize(const T* src, int srcStep, T* dst, int dstStep, const ResizeRequest& request,
                  Zov8u* workBuffer) {
@@ -42,7 +55,11 @@ ZovStatus Resize(const T* src, int srcStep, T* dst, int dstStep, const ResizeReq
 
   const SourceView source = {reinterpret_cast<const Zov8u*>(src), srcStep};
   const TargetView target = {reinterpret_cast<Zov8u*>(dst), dstStep};
-  if (mode.method == ZOV_INTERP_NEAREST) {
+  const bool antialias = (mode.flags & kAntialias) != 0;
+  const bool ignored = antialias && IgnoresAntialias(mode.method);
+  if (antialias && !ignored) {
+    ResizeAntialiased<T, kChannels>(mode.method, source, target, geometry, request, workBuffer);
+  } else if (mode.method == ZOV_INTERP_NEAREST) {
     using Pixel = typename PixelOfBytes<kChannels* static_cast<int>(sizeof(T))>::Type;
     ResizeNearest<Pixel>(source, target, geometry, workBuffer);
   } else if (mode.method == ZOV_INTERP_AREA) {
@@ -52,7 +69,6 @@ ZovStatus Resize(const T* src, int srcStep, T* dst, int dstStep, const ResizeReq
   } else {
     ResizeByKernel<T, kChannels>(mode.method, source, target, geometry, workBuffer);
   }
-  const bool ignored = (mode.flags & kAntialias) != 0 && IgnoresAntialias(mode.method);
   return ignored ? zovStsAntialiasIgnoredWrn : zovStsNoErr;
 }
 

@@ -1,0 +1,66 @@
+// Weights of the antialiased path, in double precision.
+#include "image/resize/antialias_taps.h"
+
+#include <cmath>
+
+#include "image/resize/kernel_taps.h"
+
+namespace zov {
+
+WidenedKernel::WidenedKernel(std::uint32_t method, const ResizeAxis& axis)
+    : axis_(axis), method_(method), radius_(KernelRadius(method)), compression_(1) {
+  if (axis.inverse < 1) return;
+  // Across an image, the weights of a kernel so much wider no longer differ. A NaN ends here too.
+  double most = axis.extent * 16384.0;
+  if (most > 1 << 28) most = 1 << 28;
+  const double wide = radius_ * axis.inverse;
+  compression_ = wide < most ? 1 / axis.inverse : radius_ / most;
+  radius_ = wide < most ? wide : most;
+}
+
+int WidenedKernel::MostTaps() const { return 2 * static_cast<int>(std::ceil(radius_)) + 1; }
+
+WidenedKernel::Taps WidenedKernel::At(int pixel) const {
+  double centre = (static_cast<double>(axis_.first) + pixel + 0.5) * axis_.inverse + axis_.offset;
+  // A written pixel lies in the image but for a hair.
+  const double end = axis_.extent + 1.0;
+  centre = centre < end ? centre : end;
+  centre = centre > -1 ? centre : -1;
+  const double near = centre - radius_;
+  int first = static_cast<int>(near);
+  if (near != first) first += near > 0 ? 1 : -1;
+  const int last = static_cast<int>(centre + radius_);
+  return {centre, first, last - first + 1};
+}
+
+double WidenedKernel::WeightAt(const Taps& taps, int tap) const {
+  const double distance = std::abs(taps.centre - (taps.first + tap)) * compression_;
+  const double weight = KernelAt(method_, distance);
+  return method_ == ZOV_INTERP_LINEAR ? weight * compression_ : weight;
+}
+
+double WidenedKernel::SumOf(const Taps& taps) const {
+  double sum = 0;
+  for (int k = 0; k < taps.count; ++k) sum += WeightAt(taps, k);
+  return sum;
+}
+
+template <class Real, class Stored>
+void WidenedKernel::GetWeights(const Taps& taps, Stored* weights) const {
+  double sum = 0;
+  if constexpr (sizeof(Stored) == sizeof(double)) {
+    for (int k = 0; k < taps.count; ++k) sum += weights[k] = WeightAt(taps, k);
+    for (int k = 0; k < taps.count; ++k) weights[k] = static_cast<Real>(weights[k] / sum);
+  } else {
+    sum = SumOf(taps);
+    for (int k = 0; k < taps.count; ++k) {
+      weights[k] = static_cast<Real>(WeightAt(taps, k) / sum);
+    }
+  }
+}
+
+template void WidenedKernel::GetWeights<float>(const Taps&, float*) const;
+template void WidenedKernel::GetWeights<float>(const Taps&, double*) const;
+template void WidenedKernel::GetWeights<double>(const Taps&, double*) const;
+
+}  // namespace zov
