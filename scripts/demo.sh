@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The library at work, from nothing, on Debian 12: builds it, installs it into build/stage, builds
-# the examples against that installation, resizes a photograph by every method of this release, and
-# filters a recording of a voice. Installs the Debian packages that are missing.
+# the examples against that installation, resizes a photograph by every method, and filters a
+# recording of a voice. Installs the Debian packages that are missing.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install_deps.sh build examples demo
@@ -31,12 +31,19 @@ mkdir -p "$pictures"
 cd "$pictures"
 gm convert "$photo" -strip colour.png
 gm convert "$photo" -strip -colorspace GRAY -depth 8 grey.png
-for method in nearest linear; do
+for method in nearest linear cubic bspline catmullrom mixed lanczos; do
   for picture in colour grey; do
     "$resize" --factor 2.5 --method $method --repeat 10 $picture.png $picture-enlarged-$method.png
     "$resize" --factor 0.4 --method $method --repeat 10 $picture.png $picture-reduced-$method.png
   done
 done
+for method in linear cubic bspline catmullrom mixed lanczos; do
+  "$resize" --factor 0.4 --method $method --antialias --repeat 10 colour.png \
+    colour-reduced-$method-antialias.png
+done
+"$resize" --factor 0.4 --method area --repeat 10 colour.png colour-reduced-area.png
+"$resize" --compare --detail 560,620 colour.png comparison.png
+echo "comparison.png shows a detail in all methods side by side."
 echo "The originals and the results are in $pictures"
 
 echo "== Sounds"
