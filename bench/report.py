@@ -20,9 +20,12 @@ AIMS = [
     Aim("arithmetic", ".*", 1.1, 0.95, "operation"),
     Aim("search", "zovsFind", 2.0),
     Aim("search", "zovs(Threshold|ReplaceC)", 1.0),
-    Aim("resize", "8u C1", 3.0, 1.5, "operation"),
-    Aim("resize", "8u C4", 1.5, 1.0, "operation"),
-    Aim("resize", "32f C1", 1.5, 1.0, "operation"),
+    Aim("resize", "8u C1 (nearest|linear)", 3.0, 1.5, "operation"),
+    Aim("resize", "8u C4 (nearest|linear)", 1.5, 1.0, "operation"),
+    Aim("resize", "32f C1 (nearest|linear)", 1.5, 1.0, "operation"),
+    Aim("resize", "(8u|32f) C1 (cubic|B-spline|Catmull-Rom|mixed cubic|Lanczos)", 1.2, 0.8, "size"),
+    Aim("resize", "8u C4 (cubic|B-spline|Catmull-Rom|mixed cubic|Lanczos)", 4.0, 2.0, "size"),
+    Aim("resize", ".* antialiased", 1.0, 0.6, "size"),
     *(Aim("fft", f"{type} {direction}", mean, 1.0, "size", sizes)
       for type in ("32f", "64f") for direction in ("forward", "inverse")
       for mean, sizes in ((1.4, r"2\^([4-9]|1[0-5])$"), (1.1, r"2\^(1[6-9]|2[0-2])$"))),

@@ -14,7 +14,8 @@ struct ResizeTask {
   int channels;
   ZovImageSize sourceSize;
   ZovImageSize targetSize;
-  bool linear;  // else nearest
+  int method;      // ZOV_INTERP_...
+  bool antialias;  // the filter widens when it reduces
   const void* source;
   void* target;
   int sourceStep;  // bytes
