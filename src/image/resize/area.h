@@ -1,19 +1,24 @@
-// Reduction by area: each destination pixel is the mean of the source pixels under it, each by its
-// share. Rows are summed first, then columns.
+// Reduction by area: each destination pixel is the mean of the source pixels
+// under it, each by its share. Rows are summed first, then columns.
 #pragma once
 
+#include "image/resize/area_blocks.h"
 #include "image/resize/area_lanes.h"
 #include "image/resize/area_spans.h"
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
-// Works on a few destination rows at a time: their source rows are summed into as many lines, strip
-// by strip, and each strip is turned so that a vector holds one source column of all these rows.
-// The sums along a row are then vector sums, whatever the spans. All of it stays in the first
-// cache, on the stack; the caller's work buffer is not needed.
-template <class T, int kChannels, bool kWhole>
+// Works on a few destination rows at a time: their source rows are summed into
+// as many lines, strip by strip, and each strip is turned so that a vector
+// holds one source column of all these rows. The sums along a row are then
+// vector sums, whatever the spans. All of it stays in the first cache, on the
+// stack; the caller's work buffer is not needed.
+//
+// Sums of shares are float for 8-bit pixels and floats, double for doubles.
+// Whole pixels of 8 bits, and halves of them, are counted exactly: in units of
+// 1 / kUnits.
+template <class T, int kChannels, class Sum, int kUnits = 1>
 class AreaReduction {
-  using Sum = typename AreaSum<T, kWhole>::Type;
   using V = Widest<Sum>;
   static constexpr int kRows = V::kLanes / kChannels;  // destination rows at a time
   static constexpr int kStrip = 256;                   // source columns
@@ -23,23 +28,23 @@ class AreaReduction {
 
  public:
   AreaReduction(const SourceView& source, const TargetView& target, const ResizeGeometry& geometry,
-                double norm)
-      : source_(source), target_(target), geometry_(geometry), norm_(VecD::Broadcast(norm)) {
+                bool whole, const AreaMeans<T, Sum>& means)
+      : source_(source), target_(target), geometry_(geometry), whole_(whole), means_(means) {
     for (V& sums : lines_) sums = V::Zero();
   }
 
   void Run() {
-    AreaSpans columns(geometry_.x, AreaDirection::columns, kWhole);
+    AreaSpans columns(geometry_.x, AreaDirection::columns, whole_);
     for (int first = 0; first < geometry_.x.count; first += kPlan) {
       const int rest = geometry_.x.count - first;
       planned_ = rest < kPlan ? rest : kPlan;
-      for (int i = 0; i < planned_; ++i) plan_[i] = columns.Next();
-      AreaSpans rows(geometry_.y, AreaDirection::rows, kWhole);
+      for (int i = 0; i < planned_; ++i) plan_[i] = InUnits(columns.Next());
+      AreaSpans rows(geometry_.y, AreaDirection::rows, whole_);
       for (int y = 0; y < geometry_.y.count; y += kRows) {
         const int restRows = geometry_.y.count - y;
         const int count = restRows < kRows ? restRows : kRows;
         for (int r = 0; r < count; ++r) {
-          rows_[r] = rows.Next();
+          rows_[r] = InUnits(rows.Next());
           results_[r] =
               target_.Row(geometry_.y.first + y + r) + (geometry_.x.first + first) * kPixelBytes;
         }
@@ -68,6 +73,19 @@ class AreaReduction {
       SumColumns(column, column + width, rows, &walk);
     }
     if (walk.waiting > 0) StoreFinished(rows, walk);
+  }
+
+  static AreaSpan InUnits(AreaSpan span) {
+    span.head *= kUnits;
+    span.tail *= kUnits;
+    return span;
+  }
+
+  // A pixel of weight 1, from what it counts in the smallest unit.
+  template <class X>
+  static ZOV_INLINE X Full(X x) {
+    static_assert(kUnits == 1 || kUnits == 2);
+    return kUnits == 1 ? x : static_cast<X>(x + x);
   }
 
   Sum* Line(int row) { return reinterpret_cast<Sum*>(lines_) + row * kEntries; }
@@ -107,12 +125,13 @@ class AreaReduction {
     int i = 0;
     for (; i + V::kLanes <= entries; i += V::kLanes) {
       V sum = fresh ? V::Zero() : V::LoadAligned(line + i);
-      for (int k = 0; k < kCount; ++k) sum = sum + Pixels(rows + k * step, i);
+      for (int k = 0; k < kCount; ++k) sum = sum + Full(Pixels(rows + k * step, i));
       sum.StoreAligned(line + i);
     }
     for (; i < entries; ++i) {
       Sum sum = fresh ? Sum{0} : line[i];
-      for (int k = 0; k < kCount; ++k) sum = sum + Pixel(rows + k * step, i);
+      for (int k = 0; k < kCount; ++k)
+        sum = static_cast<Sum>(sum + Full(Pixel(rows + k * step, i)));
       line[i] = sum;
     }
   }
@@ -123,7 +142,9 @@ class AreaReduction {
       const V sum = fresh ? V::Zero() : V::LoadAligned(line + i);
       (sum + Weighted(Pixels(row, i), weight)).StoreAligned(line + i);
     }
-    for (; i < entries; ++i) line[i] = (fresh ? Sum{0} : line[i]) + Weighted(Pixel(row, i), weight);
+    for (; i < entries; ++i) {
+      line[i] = static_cast<Sum>((fresh ? Sum{0} : line[i]) + Weighted(Pixel(row, i), weight));
+    }
   }
 
   // From lines to vectors of one column each.
@@ -135,20 +156,15 @@ class AreaReduction {
         for (int r = 0; r < kRows; ++r) block[r] = V::LoadAligned(Line(r) + i);
         TransposeLanes(block);
       } else {
-#if defined(__AVX__)
-        if constexpr (kRows == 2) {
-          const __m256 upper = _mm256_load_ps(reinterpret_cast<float*>(Line(0) + i * kChannels));
-          const __m256 lower = _mm256_load_ps(reinterpret_cast<float*>(Line(1) + i * kChannels));
-          block[0].v = (typename V::Native)_mm256_permute2f128_ps(upper, lower, 0x20);
-          block[1].v = (typename V::Native)_mm256_permute2f128_ps(upper, lower, 0x31);
-        }
-#endif
+        for (int r = 0; r < kRows; ++r) block[r] = V::LoadAligned(Line(r) + i * kChannels);
+        TransposeGroups(block);
       }
       for (int k = 0; k < kRows; ++k) turned_[i + k] = block[k];
     }
   }
 
-  // Takes the strip of the source columns from `begin` to `end` into the sums of the plan.
+  // Takes the strip of the source columns from `begin` to `end` into the sums
+  // of the plan.
   void SumColumns(int begin, int end, int rows, Walk* state) {
     Walk walk = *state;
     const V* const strip = (kRows == 1 ? lines_ : turned_) - begin;
@@ -166,7 +182,7 @@ class AreaReduction {
       }
       const int stop = span.begin + span.count;
       const int last = stop < end ? stop : end;
-      for (; walk.next < last; ++walk.next) walk.sum = walk.sum + strip[walk.next];
+      for (; walk.next < last; ++walk.next) walk.sum = walk.sum + Full(strip[walk.next]);
       if (walk.next < stop) break;
       if (span.tail > 0) {
         if (span.tailAt >= end) break;
@@ -192,12 +208,12 @@ class AreaReduction {
       TransposeLanes(block);
       const std::int64_t bytes = std::int64_t{walk.waiting} * kPixelBytes;
       for (int r = 0; r < rows; ++r) {
-        StoreBytes(MeansAs(block[r], norm_, T{}), results_[r] + column * kPixelBytes, bytes);
+        StoreBytes(means_(block[r]), results_[r] + column * kPixelBytes, bytes);
       }
     } else {
       static_assert(kPixelBytes == 4);
       for (int i = 0; i < walk.waiting; ++i) {
-        Vec128<std::int32_t> pixels = As<std::int32_t>(MeansAs(finished_[i], norm_, T{}));
+        Vec128<std::int32_t> pixels = As<std::int32_t>(means_(finished_[i]));
         for (int r = 0; r < rows; ++r) {
           StoreAs(results_[r] + (column + i) * kPixelBytes, pixels.v[r]);
         }
@@ -220,7 +236,8 @@ class AreaReduction {
   SourceView source_;
   TargetView target_;
   const ResizeGeometry& geometry_;
-  VecD norm_;
+  bool whole_;
+  AreaMeans<T, Sum> means_;
   int planned_ = 0;
   AreaSpan rows_[kRows];
   Zov8u* results_[kRows];
@@ -230,14 +247,41 @@ class AreaReduction {
   AreaSpan plan_[kPlan];
 };
 
+template <int kChannels, int kUnits>
+bool ReduceWords(const SourceView& source, const TargetView& target, const ResizeGeometry& geometry,
+                 bool whole, double norm) {
+  const AreaMeans<Zov8u, std::uint16_t> means(norm / (kUnits * kUnits));
+  if (!means.IsExact()) return false;
+  if (whole && ReduceByHalf<Zov8u, kChannels>(source, target, geometry, means)) return true;
+  AreaReduction<Zov8u, kChannels, std::uint16_t, kUnits>(source, target, geometry, whole, means)
+      .Run();
+  return true;
+}
+
 template <class T, int kChannels>
 void ResizeArea(const SourceView& source, const TargetView& target, const ResizeGeometry& geometry,
                 double norm) {
-  if (AreaSpans::AreWhole(geometry)) {
-    AreaReduction<T, kChannels, true>(source, target, geometry, norm).Run();
-  } else {
-    AreaReduction<T, kChannels, false>(source, target, geometry, norm).Run();
+  const bool whole = AreaSpans::AreWhole(geometry);
+  if constexpr (sizeof(T) == 1) {
+    if (whole) {
+      if (ReduceWords<kChannels, 1>(source, target, geometry, whole, norm)) return;
+      AreaReduction<T, kChannels, std::uint32_t>(source, target, geometry, whole,
+                                                 AreaMeans<T, std::uint32_t>(norm))
+          .Run();
+      return;
+    }
+    // Sums of halves are exact in float too, so the result is the same.
+    if (AreaSpans::AreHalves(geometry) &&
+        ReduceWords<kChannels, 2>(source, target, geometry, whole, norm)) {
+      return;
+    }
   }
+  using Sum = std::conditional_t<sizeof(T) == 8, double, float>;
+  const AreaMeans<T, Sum> means(norm);
+  if constexpr (sizeof(T) == 4) {
+    if (whole && ReduceByHalf<T, kChannels>(source, target, geometry, means)) return;
+  }
+  AreaReduction<T, kChannels, Sum>(source, target, geometry, whole, means).Run();
 }
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

@@ -39,6 +39,11 @@ bool IsWhole(const ResizeAxis& axis) {
          !(FractionOf(StartOf(axis).share) > kWeightFloor);
 }
 
+bool IsHalves(const ResizeAxis& axis) {
+  const double share = StartOf(axis).share;
+  return FractionOf(2 * axis.inverse) == 0 && FractionOf(2 * share) == 0 && axis.inverse < kLimit;
+}
+
 }  // namespace
 
 int FirstOf(const AreaSpan& span) {
@@ -53,6 +58,10 @@ int LastOf(const AreaSpan& span) {
 
 bool AreaSpans::AreWhole(const ResizeGeometry& geometry) {
   return IsWhole(geometry.x) && IsWhole(geometry.y);
+}
+
+bool AreaSpans::AreHalves(const ResizeGeometry& geometry) {
+  return IsHalves(geometry.x) && IsHalves(geometry.y);
 }
 
 AreaSpans::AreaSpans(const ResizeAxis& axis, AreaDirection direction, bool whole)
@@ -93,8 +102,8 @@ AreaSpan AreaSpans::Next() {
     if (left > kWeightFloor) {
       head = left;
     } else if (direction_ == AreaDirection::columns) {
-      // The pixel whose rest is too small to count is taken whole. Rows take it as the first of
-      // their whole pixels instead.
+      // The pixel whose rest is too small to count is taken whole. Rows take it
+      // as the first of their whole pixels instead.
       ++pixels;
     }
   }

@@ -1,4 +1,5 @@
-// The source pixels that each destination pixel of an area reduction covers, along one axis.
+// The source pixels that each destination pixel of an area reduction covers,
+// along one axis.
 #pragma once
 
 #include <cstdint>
@@ -7,9 +8,10 @@
 
 namespace zov {
 
-// A destination pixel is the sum of a weighted pixel, `count` pixels of weight 1 and another
-// weighted one. A weight of 0 means none. All indices lie in the image: what a span covers beyond
-// it counts as repeats of the outermost pixel and is part of the weights.
+// A destination pixel is the sum of a weighted pixel, `count` pixels of weight
+// 1 and another weighted one. A weight of 0 means none. All indices lie in the
+// image: what a span covers beyond it counts as repeats of the outermost pixel
+// and is part of the weights.
 struct AreaSpan {
   double head;
   double tail;
@@ -35,6 +37,8 @@ class AreaSpans {
 
   // True when the spans of both axes may be taken as whole pixels.
   static bool AreWhole(const ResizeGeometry& geometry);
+  // True when all weights are multiples of one half, exactly.
+  static bool AreHalves(const ResizeGeometry& geometry);
 
  private:
   double inverse_;
@@ -44,7 +48,8 @@ class AreaSpans {
   bool isFirst_ = true;
   std::int64_t place_;  // the first pixel that is not used up
   std::int64_t end_;    // one past the last pixel of the axis
-  double fraction_;  // share of the pixel at place_ that is used up; of the first pixel, the rest
+  double fraction_;     // share of the pixel at place_ that is used up; of the
+                        // first pixel, the rest
 };
 
 }  // namespace zov
