@@ -1602,8 +1602,11 @@ KELO_API ZovStatus Kelo_zovsRShiftC_16u_I(int val, Zov16u* pSrcDst, int len);
  * rounded with exact halves going up. Results are the same at every level.
  * ::ZOV_INTERP_NEAREST and ::ZOV_INTERP_AREA ignore the flag.
  *
- * This release resizes without the edge flag, which gives
- * ::zovStsInterpolationErr.
+ * With an edge flag, the ring of one pixel around the written rectangle follows, inside the
+ * destination rectangle. A ring pixel of which the image covers the share a, of 1e-10 or more, and
+ * whose nearest written pixel is p becomes d + (p - d) * a with ::ZOV_EDGE_BLEND, d being what it
+ * held, and p * a with ::ZOV_EDGE_FADE. The share of a corner is the product of its sides' shares.
+ * `8u` values are formed in binary32 and rounded to the nearest.
  */
 /** @{ */
 
@@ -1665,8 +1668,7 @@ KELO_API ZovStatus Kelo_zoviResizeGetBufSize_64f(ZovImageRect srcRoi, ZovImageRe
  * @return ::zovStsNullPtrErr, ::zovStsSizeErr (the image or a rectangle with an extent below 1, or
  * a rectangle with a negative corner), ::zovStsResizeFactorErr (a factor of 0 or less),
  * ::zovStsInterpolationErr (an unknown method, or two flags), ::zovStsResizeFactorErr (a factor
- * above 1 with ::ZOV_INTERP_AREA), ::zovStsInterpolationErr (not in this release),
- * ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
+ * above 1 with ::ZOV_INTERP_AREA), ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
  * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
  * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
  */
@@ -1695,8 +1697,7 @@ KELO_API ZovStatus Kelo_zoviResizeSqrPixel_8u_C1R(const Zov8u* src, ZovImageSize
  * @return ::zovStsNullPtrErr, ::zovStsSizeErr (the image or a rectangle with an extent below 1, or
  * a rectangle with a negative corner), ::zovStsResizeFactorErr (a factor of 0 or less),
  * ::zovStsInterpolationErr (an unknown method, or two flags), ::zovStsResizeFactorErr (a factor
- * above 1 with ::ZOV_INTERP_AREA), ::zovStsInterpolationErr (not in this release),
- * ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
+ * above 1 with ::ZOV_INTERP_AREA), ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
  * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
  * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
  */
@@ -1725,8 +1726,7 @@ KELO_API ZovStatus Kelo_zoviResizeSqrPixel_8u_C4R(const Zov8u* src, ZovImageSize
  * @return ::zovStsNullPtrErr, ::zovStsSizeErr (the image or a rectangle with an extent below 1, or
  * a rectangle with a negative corner), ::zovStsResizeFactorErr (a factor of 0 or less),
  * ::zovStsInterpolationErr (an unknown method, or two flags), ::zovStsResizeFactorErr (a factor
- * above 1 with ::ZOV_INTERP_AREA), ::zovStsInterpolationErr (not in this release),
- * ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
+ * above 1 with ::ZOV_INTERP_AREA), ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
  * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
  * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
  */
@@ -1754,8 +1754,7 @@ KELO_API ZovStatus Kelo_zoviResizeSqrPixel_32f_C1R(const Zov32f* src, ZovImageSi
  * @return ::zovStsNullPtrErr, ::zovStsSizeErr (the image or a rectangle with an extent below 1, or
  * a rectangle with a negative corner), ::zovStsResizeFactorErr (a factor of 0 or less),
  * ::zovStsInterpolationErr (an unknown method, or two flags), ::zovStsResizeFactorErr (a factor
- * above 1 with ::ZOV_INTERP_AREA), ::zovStsInterpolationErr (not in this release),
- * ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
+ * above 1 with ::ZOV_INTERP_AREA), ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
  * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
  * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
  */
@@ -1764,6 +1763,78 @@ KELO_API ZovStatus Kelo_zoviResizeSqrPixel_64f_C1R(const Zov64f* src, ZovImageSi
                                                    int dstStep, ZovImageRect dstRoi, double xFactor,
                                                    double yFactor, double xShift, double yShift,
                                                    int interpolation, Zov8u* workBuffer);
+
+/**
+ * @brief Resizes an image of one channel of 8 bits without shifts or a work buffer.
+ * The same as ::Kelo_zoviResizeSqrPixel_8u_C1R with shifts of 0 and a destination rectangle of
+ * the size @p dstRoiSize at the corner of @p srcRoi, whatever the factors. The work buffer is
+ * allocated for the call; when there is no memory, nothing is written and the status is
+ * ::zovStsNoErr.
+ * @param src source image, pixel (0, 0)
+ * @param srcSize extent of the whole source image
+ * @param srcStep distance of source rows in bytes, of either sign
+ * @param srcRoi source rectangle to be mapped
+ * @param dst destination image, pixel (0, 0)
+ * @param dstStep distance of destination rows in bytes, of either sign
+ * @param dstRoiSize size of the destination rectangle
+ * @param xFactor horizontal scale; above 1 enlarges
+ * @param yFactor vertical scale
+ * @param interpolation method of ::ZovInterpolation, with at most one of the three resize flags
+ * @return first, with nothing written, any status of ::Kelo_zoviResizeGetBufSize but ::zovStsNoErr,
+ * ::zovStsAntialiasIgnoredWrn included; then the status of ::Kelo_zoviResizeSqrPixel_8u_C1R
+ */
+KELO_API ZovStatus Kelo_zoviResize_8u_C1R(const Zov8u* src, ZovImageSize srcSize, int srcStep,
+                                          ZovImageRect srcRoi, Zov8u* dst, int dstStep,
+                                          ZovImageSize dstRoiSize, double xFactor, double yFactor,
+                                          int interpolation);
+
+/**
+ * @brief Resizes an image of four interleaved channels of 8 bits without shifts or a work buffer.
+ * The same as ::Kelo_zoviResizeSqrPixel_8u_C4R with shifts of 0 and a destination rectangle of
+ * the size @p dstRoiSize at the corner of @p srcRoi, whatever the factors. The work buffer is
+ * allocated for the call; when there is no memory, nothing is written and the status is
+ * ::zovStsNoErr.
+ * @param src source image, pixel (0, 0)
+ * @param srcSize extent of the whole source image
+ * @param srcStep distance of source rows in bytes, of either sign
+ * @param srcRoi source rectangle to be mapped
+ * @param dst destination image, pixel (0, 0)
+ * @param dstStep distance of destination rows in bytes, of either sign
+ * @param dstRoiSize size of the destination rectangle
+ * @param xFactor horizontal scale; above 1 enlarges
+ * @param yFactor vertical scale
+ * @param interpolation method of ::ZovInterpolation, with at most one of the three resize flags
+ * @return first, with nothing written, any status of ::Kelo_zoviResizeGetBufSize but ::zovStsNoErr,
+ * ::zovStsAntialiasIgnoredWrn included; then the status of ::Kelo_zoviResizeSqrPixel_8u_C4R
+ */
+KELO_API ZovStatus Kelo_zoviResize_8u_C4R(const Zov8u* src, ZovImageSize srcSize, int srcStep,
+                                          ZovImageRect srcRoi, Zov8u* dst, int dstStep,
+                                          ZovImageSize dstRoiSize, double xFactor, double yFactor,
+                                          int interpolation);
+
+/**
+ * @brief Resizes an image of one channel of binary32 without shifts or a work buffer.
+ * The same as ::Kelo_zoviResizeSqrPixel_32f_C1R with shifts of 0 and a destination rectangle of
+ * the size @p dstRoiSize at the corner of @p srcRoi, whatever the factors. The work buffer is
+ * allocated for the call; when there is no memory, nothing is written and the status is
+ * ::zovStsNoErr.
+ * @param src source image, pixel (0, 0)
+ * @param srcSize extent of the whole source image
+ * @param srcStep distance of source rows in bytes, of either sign
+ * @param srcRoi source rectangle to be mapped
+ * @param dst destination image, pixel (0, 0)
+ * @param dstStep distance of destination rows in bytes, of either sign
+ * @param dstRoiSize size of the destination rectangle
+ * @param xFactor horizontal scale; above 1 enlarges
+ * @param yFactor vertical scale
+ * @param interpolation method of ::ZovInterpolation, with at most one of the three resize flags
+ * @return first, with nothing written, any status of ::Kelo_zoviResizeGetBufSize but ::zovStsNoErr,
+ * ::zovStsAntialiasIgnoredWrn included; then the status of ::Kelo_zoviResizeSqrPixel_32f_C1R
+ */
+KELO_API ZovStatus Kelo_zoviResize_32f_C1R(const Zov32f* src, ZovImageSize srcSize, int srcStep,
+                                           ZovImageRect srcRoi, Zov32f* dst, int dstStep,
+                                           ZovImageSize dstRoiSize, double xFactor, double yFactor,
+                                           int interpolation);
 
 /** @} */
 

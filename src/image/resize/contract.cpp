@@ -22,8 +22,6 @@ std::uint32_t MethodForImage(std::uint32_t method, ZovImageSize size) {
   return method;
 }
 
-// The one list of what this release resizes: every method, without edge flags.
-bool IsAvailable(const ResizeMode& mode) { return (mode.flags & ~kAntialias) == 0; }
 
 int WrappingSum(int a, int b) {
   return static_cast<int>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
@@ -66,7 +64,6 @@ ZovStatus CheckResize(bool anyNull, const ResizeRequest& request, ResizeMode* mo
     return zovStsResizeFactorErr;
   }
   mode->method = MethodForImage(mode->method, request.srcSize);
-  if (!IsAvailable(*mode)) return zovStsInterpolationErr;
   if (!LiesInImage(request.srcRoi, request.srcSize)) return zovStsResizeRoiWrn;
   return zovStsNoErr;
 }

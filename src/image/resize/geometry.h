@@ -15,6 +15,8 @@ struct ResizeAxis {
   int extent;          // pixels of the whole source image
   double inverse;
   double offset;
+  double near;  // unrounded edges of what the mapped source rectangle covers
+  double far;
 };
 
 struct ResizeGeometry {

@@ -5,6 +5,7 @@
 #include "image/resize/area.h"
 #include "image/resize/buffer_size.h"
 #include "image/resize/contract.h"
+#include "image/resize/edge_smoothing.h"
 #include "image/resize/geometry.h"
 #include "image/resize/kernel_resize.h"
 #include "image/resize/linear.h"
@@ -68,6 +69,9 @@ ZovStatus Resize(const T* src, int srcStep, T* dst, int dstStep, const ResizeReq
     LinearResize<T, kChannels>(source, target, geometry, workBuffer).Run();
   } else {
     ResizeByKernel<T, kChannels>(mode.method, source, target, geometry, workBuffer);
+  }
+  if ((mode.flags & (kEdgeBlend | kEdgeFade)) != 0) {
+    SmoothEdges<T, kChannels>(mode.flags, geometry, target.origin, target.step);
   }
   return ignored ? zovStsAntialiasIgnoredWrn : zovStsNoErr;
 }

@@ -72,7 +72,24 @@ enum { SMOOTH = sizeof smooth / sizeof smooth[0] };
     EACH(W * 2 / 5 * (channels), CLOSE(dst[4][i], sizeof(T) == 1 ? 22 : 21.6));                 \
   } while (0)
 
+/* The form without a work buffer writes from the corner of the source rectangle on. */
+#define LEGACY(T, name, channels)                                                             \
+  do {                                                                                        \
+    static T src[H][W * (channels)], dst[H][W * (channels)];                                  \
+    const ZovImageRect part = {2, 0, 4, 2};                                                   \
+    const ZovImageSize room = {8, 2};                                                         \
+    for (int x = 0; x < W * (channels); ++x) src[0][x] = (T)(x / (channels) + 1);             \
+    RUN(name, src[0], size, (int)sizeof src[0], part, dst[0], (int)sizeof dst[0], room, 2, 1, \
+        ZOV_INTERP_NEAREST);                                                                  \
+    EACH(12 * (channels),                                                                     \
+         dst[0][i] ==                                                                         \
+             (i < 4 * (channels) || i >= 10 * (channels) ? 0 : (T)(i / (channels) / 2 + 1))); \
+  } while (0)
+
 void SmokeResize(void) {
+  LEGACY(Zov8u, zoviResize_8u_C1R, 1);
+  LEGACY(Zov8u, zoviResize_8u_C4R, C);
+  LEGACY(Zov32f, zoviResize_32f_C1R, 1);
   REDUCE(Zov8u, zoviResizeSqrPixel_8u_C1R, zoviResizeGetBufSize, 1);
   REDUCE(Zov8u, zoviResizeSqrPixel_8u_C4R, zoviResizeGetBufSize, C);
   REDUCE(Zov32f, zoviResizeSqrPixel_32f_C1R, zoviResizeGetBufSize, 1);
