@@ -116,6 +116,7 @@ int main(int argc, char** argv) {
   AddArithmeticCases(cases);
   AddSearchCases(cases);
   AddResizeCases(cases);
+  AddResizeAreaCases(cases);
   AddFftCases(cases);
   AddConversionCases(cases);
   AddStatisticsCases(cases);

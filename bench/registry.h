@@ -26,6 +26,7 @@ void AddMemoryCases(Cases& cases);
 void AddArithmeticCases(Cases& cases);
 void AddSearchCases(Cases& cases);
 void AddResizeCases(Cases& cases);
+void AddResizeAreaCases(Cases& cases);
 void AddFftCases(Cases& cases);
 void AddConversionCases(Cases& cases);
 void AddStatisticsCases(Cases& cases);

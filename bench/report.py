@@ -25,6 +25,7 @@ AIMS = [
     Aim("resize", "32f C1 (nearest|linear)", 1.5, 1.0, "operation"),
     Aim("resize", "(8u|32f) C1 (cubic|B-spline|Catmull-Rom|mixed cubic|Lanczos)", 1.2, 0.8, "size"),
     Aim("resize", "8u C4 (cubic|B-spline|Catmull-Rom|mixed cubic|Lanczos)", 4.0, 2.0, "size"),
+    Aim("resize", "area", 2.0, 1.0, "size"),
     Aim("resize", ".* antialiased", 1.0, 0.6, "size"),
     *(Aim("fft", f"{type} {direction}", mean, 1.0, "size", sizes)
       for type in ("32f", "64f") for direction in ("forward", "inverse")

@@ -26,5 +26,8 @@ struct ResizeTask {
 void AddOpenCvResize(Contest& contest, const ResizeTask& task);
 void AddSwscaleResize(Contest& contest, const ResizeTask& task);
 void AddZimgResize(Contest& contest, const ResizeTask& task);
+// The same by area, which two of them know; images of 8 or 32 bits without gaps between rows.
+void AddOpenCvArea(Contest& contest, const ResizeTask& task);
+void AddSwscaleArea(Contest& contest, const ResizeTask& task);
 
 }  // namespace zov::bench

@@ -28,4 +28,16 @@ void AddOpenCvResize(Contest& contest, const ResizeTask& task) {
   });
 }
 
+void AddOpenCvArea(Contest& contest, const ResizeTask& task) {
+  cv::setNumThreads(1);
+  const int type = CV_MAKETYPE(task.pixel == Pixel::u8 ? CV_8U : CV_32F, task.channels);
+  const cv::Mat source(task.sourceSize.height, task.sourceSize.width, type,
+                       const_cast<void*>(task.source));
+  const cv::Mat target(task.targetSize.height, task.targetSize.width, type, task.target);
+  contest.Peer("OpenCV area", [=] {
+    cv::Mat result = target;
+    cv::resize(source, result, result.size(), 0, 0, cv::INTER_AREA);
+  });
+}
+
 }  // namespace zov::bench

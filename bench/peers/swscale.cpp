@@ -77,4 +77,20 @@ void AddSwscaleResize(Contest& contest, const ResizeTask& task) {
   }
 }
 
+void AddSwscaleArea(Contest& contest, const ResizeTask& task) {
+  const AVPixelFormat format = task.pixel == Pixel::f32 ? AV_PIX_FMT_GRAYF32
+                               : task.channels == 1     ? AV_PIX_FMT_GRAY8
+                                                        : AV_PIX_FMT_RGBA;
+  const auto scaler = Scaler(task, format, SWS_AREA, CpuFlags(Level{contest.level()}));
+  if (scaler == nullptr) return;
+  contest.Keep(scaler);
+  contest.Peer("swscale area", [task, scaler = scaler.get()] {
+    const std::uint8_t* const source[4] = {static_cast<const std::uint8_t*>(task.source)};
+    std::uint8_t* const target[4] = {static_cast<std::uint8_t*>(task.target)};
+    const int sourceStep[4] = {task.sourceStep};
+    const int targetStep[4] = {task.targetStep};
+    sws_scale(scaler, source, sourceStep, 0, task.sourceSize.height, target, targetStep);
+  });
+}
+
 }  // namespace zov::bench

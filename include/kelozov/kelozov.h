@@ -1593,9 +1593,9 @@ KELO_API ZovStatus Kelo_zovsRShiftC_16u_I(int val, Zov16u* pSrcDst, int len);
  * dividing a length by a whole number of pixels gives such factors rarely. Levels differ only in
  * that level 6 rounds the product and the sum of an 8-bit result once.
  *
- * ::ZOV_RESIZE_ANTIALIAS widens the kernel of linear, the cubics and Lanczos by 1 / factor on an axis
- * that reduces: with c = (x + 0.5 - shift) / factor, the source pixels j whose distance |c - j| is
- * within the widened radius are weighed by K(|c - j| * factor) (on an axis that enlarges by
+ * ::ZOV_RESIZE_ANTIALIAS widens the kernel of linear, the cubics and Lanczos by 1 / factor on an
+ * axis that reduces: with c = (x + 0.5 - shift) / factor, the source pixels j whose distance |c -
+ * j| is within the widened radius are weighed by K(|c - j| * factor) (on an axis that enlarges by
  * K(|c - j|)), divided by the sum of the weights. Positions are counted without the half pixel
  * above, so the picture stands half a source pixel further on. Rows are summed in binary64 and
  * rounded to binary32 (`64f`: kept), columns are summed in that precision; 8-bit images are then
@@ -1668,7 +1668,8 @@ KELO_API ZovStatus Kelo_zoviResizeGetBufSize_64f(ZovImageRect srcRoi, ZovImageRe
  * @return ::zovStsNullPtrErr, ::zovStsSizeErr (the image or a rectangle with an extent below 1, or
  * a rectangle with a negative corner), ::zovStsResizeFactorErr (a factor of 0 or less),
  * ::zovStsInterpolationErr (an unknown method, or two flags), ::zovStsResizeFactorErr (a factor
- * above 1 with ::ZOV_INTERP_AREA), ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
+ * above 1 with ::ZOV_INTERP_AREA), ::zovStsResizeRoiWrn (the source rectangle lies outside the
+ * image; nothing is written),
  * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
  * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
  */
@@ -1697,7 +1698,8 @@ KELO_API ZovStatus Kelo_zoviResizeSqrPixel_8u_C1R(const Zov8u* src, ZovImageSize
  * @return ::zovStsNullPtrErr, ::zovStsSizeErr (the image or a rectangle with an extent below 1, or
  * a rectangle with a negative corner), ::zovStsResizeFactorErr (a factor of 0 or less),
  * ::zovStsInterpolationErr (an unknown method, or two flags), ::zovStsResizeFactorErr (a factor
- * above 1 with ::ZOV_INTERP_AREA), ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
+ * above 1 with ::ZOV_INTERP_AREA), ::zovStsResizeRoiWrn (the source rectangle lies outside the
+ * image; nothing is written),
  * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
  * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
  */
@@ -1726,7 +1728,8 @@ KELO_API ZovStatus Kelo_zoviResizeSqrPixel_8u_C4R(const Zov8u* src, ZovImageSize
  * @return ::zovStsNullPtrErr, ::zovStsSizeErr (the image or a rectangle with an extent below 1, or
  * a rectangle with a negative corner), ::zovStsResizeFactorErr (a factor of 0 or less),
  * ::zovStsInterpolationErr (an unknown method, or two flags), ::zovStsResizeFactorErr (a factor
- * above 1 with ::ZOV_INTERP_AREA), ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
+ * above 1 with ::ZOV_INTERP_AREA), ::zovStsResizeRoiWrn (the source rectangle lies outside the
+ * image; nothing is written),
  * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
  * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
  */
@@ -1754,7 +1757,8 @@ KELO_API ZovStatus Kelo_zoviResizeSqrPixel_32f_C1R(const Zov32f* src, ZovImageSi
  * @return ::zovStsNullPtrErr, ::zovStsSizeErr (the image or a rectangle with an extent below 1, or
  * a rectangle with a negative corner), ::zovStsResizeFactorErr (a factor of 0 or less),
  * ::zovStsInterpolationErr (an unknown method, or two flags), ::zovStsResizeFactorErr (a factor
- * above 1 with ::ZOV_INTERP_AREA), ::zovStsResizeRoiWrn (the source rectangle lies outside the image; nothing is written),
+ * above 1 with ::ZOV_INTERP_AREA), ::zovStsResizeRoiWrn (the source rectangle lies outside the
+ * image; nothing is written),
  * ::zovStsNoOperationWrn (no pixel is covered; nothing is written), ::zovStsAntialiasIgnoredWrn
  * (the antialias flag with the nearest or area method; the image is resized), ::zovStsNoErr
  */

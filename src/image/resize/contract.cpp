@@ -22,7 +22,6 @@ std::uint32_t MethodForImage(std::uint32_t method, ZovImageSize size) {
   return method;
 }
 
-
 int WrappingSum(int a, int b) {
   return static_cast<int>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
 }
