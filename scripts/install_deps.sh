@@ -12,7 +12,7 @@ declare -A groups=(
   [demo]="graphicsmagick lomiri-wallpapers-16.04 alsa-utils"
   [docs]="doxygen"
   [bench]="libbenchmark-dev libfftw3-dev libopencv-core-dev libopencv-imgproc-dev libvolk2-dev
-           libswscale-dev libzimg-dev libsleef-dev libliquid-dev pkg-config python3"
+           libswscale-dev libzimg-dev libsleef-dev libliquid-dev gnuplot-nox pkg-config python3"
 )
 
 if [[ $# -eq 0 ]]; then
