@@ -121,6 +121,8 @@ int main(int argc, char** argv) {
   AddConversionCases(cases);
   AddStatisticsCases(cases);
   AddFirCases(cases);
+  AddIntegerCases(cases);
+  AddMathCases(cases);
   for (const Case& each : cases) {
     const std::string name = each.family + "/" + each.operation + "/" + each.size;
     benchmark::RegisterBenchmark(

@@ -31,6 +31,8 @@ void AddFftCases(Cases& cases);
 void AddConversionCases(Cases& cases);
 void AddStatisticsCases(Cases& cases);
 void AddFirCases(Cases& cases);
+void AddIntegerCases(Cases& cases);
+void AddMathCases(Cases& cases);
 
 // "256 B", "16 KiB", "4 MiB"
 std::string BytesLabel(std::size_t bytes);

@@ -11,6 +11,9 @@
 #if KELOZOV_BENCH_VOLK
 #include "peers/volk.h"
 #endif
+#if KELOZOV_BENCH_OPENCV
+#include "peers/opencv_integer.h"
+#endif
 
 namespace zov::bench {
 
@@ -264,6 +267,84 @@ void AddSearchCases(Cases& cases) {
   thresholds.Add<Zov32f>(ROUTINE(zovsThreshold_LTVal_32f), kThreshold);
   thresholds.Add<Zov32f>(ROUTINE(zovsThreshold_LTVal_32f_I), kThresholdInPlace);
   thresholds.Add<Zov16u>(ROUTINE(zovsReplaceC_16u), kReplace);
+}
+
+namespace {
+
+// OpenCV's form of a member; in place, the destination is the first source.
+#if KELOZOV_BENCH_OPENCV
+#define OPENCV(operation) OpenCvOperation::operation
+auto WithOpenCv(OpenCvOperation operation, bool inPlace = true) {
+  return [=](Contest& contest, const auto& o) {
+    using T = std::remove_reference_t<decltype(*o.out)>;
+    const int depth = static_cast<int>(8 * sizeof(T)) * (std::is_signed_v<T> ? -1 : 1);
+    AddOpenCvInteger(contest, operation, depth, inPlace ? o.out : o.a, inPlace ? o.a : o.b, o.value,
+                     o.out, o.len);
+  };
+}
+#else
+#define OPENCV(operation) 0
+Nothing WithOpenCv(int, bool = true) { return {}; }
+#endif
+
+}  // namespace
+
+void AddIntegerCases(Cases& cases) {
+  const Family integer = {cases, "integer", "Melem/s", Sizes(1024, 512 << 10, 8)};
+  // A scale factor takes one of three kernels, by its sign.
+  const auto two = []<int f>(std::integral_constant<int, f>) {
+    return [](auto g, const auto& o) { return g(o.a, o.b, o.out, o.len, f); };
+  };
+  const auto twoInPlace = []<int f>(std::integral_constant<int, f>) {
+    return [](auto g, const auto& o) { return g(o.a, o.out, o.len, f); };
+  };
+  const auto constant = []<int f>(std::integral_constant<int, f>) {
+    return [](auto g, const auto& o) { return g(o.value, o.out, o.len, f); };
+  };
+  const std::integral_constant<int, 0> same;
+  const std::integral_constant<int, 3> down;
+  const std::integral_constant<int, -3> up;
+  const auto add = WithOpenCv(OPENCV(add));
+  const auto addConstant = WithOpenCv(OPENCV(addConstant));
+  const auto subtract = WithOpenCv(OPENCV(subtractConstant));
+  const Nothing none;
+  const Data any = Data::positive;
+
+  integer.Add<Zov16s>(ROUTINE(zovsAdd_16s_Sfs), two(same), WithOpenCv(OPENCV(add), false));
+  integer.Add<Zov16s>(ROUTINE(zovsAdd_16s_Sfs), two(down), none, any, " down");
+  integer.Add<Zov16s>(ROUTINE(zovsAdd_16s_Sfs), two(up), none, any, " up");
+  integer.Add<Zov16s>(ROUTINE(zovsAdd_16s_I), kTwoSourcesInPlace, add);
+  integer.Add<Zov16u>(ROUTINE(zovsAdd_16u_ISfs), twoInPlace(same), add);
+  integer.Add<Zov16u>(ROUTINE(zovsAdd_16u_ISfs), twoInPlace(down), none, any, " down");
+  integer.Add<Zov16u>(ROUTINE(zovsAdd_16u_ISfs), twoInPlace(up), none, any, " up");
+  integer.Add<Zov16u>(ROUTINE(zovsAddC_16u_ISfs), constant(same), addConstant);
+  integer.Add<Zov16u>(ROUTINE(zovsAddC_16u_ISfs), constant(down), none, any, " down");
+  integer.Add<Zov16u>(ROUTINE(zovsSubC_16u_ISfs), constant(same), subtract);
+  integer.Add<Zov16u>(ROUTINE(zovsSubC_16u_ISfs), constant(down), none, any, " down");
+  integer.Add<Zov16s>(ROUTINE(zovsSubC_16s_I), kConstantInPlace, subtract);
+  integer.Add<Zov16s>(ROUTINE(zovsMulC_16s_I), kConstantInPlace,
+                      WithOpenCv(OPENCV(multiplyConstant)));
+  integer.Add<Zov32s>(ROUTINE(zovsAbs_32s_I), kInPlace);
+
+  const auto openCvOr = WithOpenCv(OPENCV(bitOr));
+  // VOLK has it for elements of 32 bits.
+  const auto volkOr = WithVolk(
+      VOLK(bitOr), [](auto f, const auto& o) { f(o.out, o.out, o.a, unsigned(o.len) / 2); });
+  const auto bitOr = [=](Contest& contest, const auto& o) {
+    openCvOr(contest, o);
+    volkOr(contest, o);
+  };
+  integer.Add<Zov16u>(ROUTINE(zovsAndC_16u), kConstant, WithOpenCv(OPENCV(andConstant), false));
+  integer.Add<Zov16u>(ROUTINE(zovsAndC_16u_I), kConstantInPlace, WithOpenCv(OPENCV(andConstant)));
+  integer.Add<Zov16u>(ROUTINE(zovsOr_16u_I), kTwoSourcesInPlace, bitOr);
+  const auto shiftInPlace = [](auto f, const auto& o) { return f(3, o.out, o.len); };
+  integer.Add<Zov16u>(ROUTINE(zovsLShiftC_16u),
+                      [](auto f, const auto& o) { return f(o.a, 3, o.out, o.len); });
+  integer.Add<Zov16u>(ROUTINE(zovsLShiftC_16u_I), shiftInPlace);
+  integer.Add<Zov16u>(ROUTINE(zovsRShiftC_16u_I), shiftInPlace);
+
+  integer.Add<Zov32f>(ROUTINE(zovsCeil_32f), kOneSource);
+  integer.Add<Zov32f>(ROUTINE(zovsFloor_32f), kOneSource);
 }
 
 }  // namespace zov::bench

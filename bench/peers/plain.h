@@ -17,7 +17,10 @@
   X(zovsMulC_32f) X(zovsMulC_32f_I) X(zovsMulC_64f_I) X(zovsDiv_32f) X(zovsDivC_32f)              \
   X(zovsDivC_32f_I) X(zovsDivCRev_32f) X(zovsDivCRev_32f_I) X(zovsAbs_32f) X(zovsAbs_32f_I)       \
   X(zovsSqr_32f_I) X(zovsSqrt_32f) X(zovsMagnitude_32fc) X(zovsMagnitude_64fc)                    \
-  X(zovsMagnitude_16sc_Sfs) X(zovsPhase_32fc)
+  X(zovsMagnitude_16sc_Sfs) X(zovsPhase_32fc) X(zovsAdd_16s_Sfs) X(zovsAdd_16s_I)                 \
+  X(zovsAdd_16u_ISfs) X(zovsAddC_16u_ISfs) X(zovsSubC_16u_ISfs) X(zovsSubC_16s_I)                 \
+  X(zovsMulC_16s_I) X(zovsAbs_32s_I) X(zovsAndC_16u) X(zovsAndC_16u_I) X(zovsOr_16u_I)            \
+  X(zovsLShiftC_16u) X(zovsLShiftC_16u_I) X(zovsRShiftC_16u_I) X(zovsCeil_32f) X(zovsFloor_32f)
 #define ZOV_PLAIN_SAMPLE_LOOPS(X)                                                                 \
   X(zovsConvert_16s32f) X(zovsConvert_16s64f_Sfs) X(zovsConvert_32f64f) X(zovsConvert_64f32f)     \
   X(zovsConvert_32s16s) X(zovsConvert_32f16s_Sfs) X(zovsConvert_64f16s_Sfs)                       \

@@ -1,5 +1,6 @@
 // Plain loops over arrays, without argument checks.
 #include <cmath>
+#include <cstdint>
 
 #include "peers/plain.h"
 
@@ -224,6 +225,90 @@ ZovStatus zovsMagnitude_16sc_Sfs(IN(Zov16sc, s), OUT(Zov16s, d), int len, int sc
 }
 ZovStatus zovsPhase_32fc(IN(Zov32fc, s), OUT(Zov32f, d), int len) {
   EACH d[i] = atan2f(s[i].im, s[i].re);
+  return 0;
+}
+
+namespace {
+Zov16s Limited16s(int x) {
+  return static_cast<Zov16s>(x < -32768 ? -32768 : x > 32767 ? 32767 : x);
+}
+Zov16u Limited16u(int x) { return static_cast<Zov16u>(x > 65535 ? 65535 : x); }
+int RoundedDown(int x, int count) {
+  return (x + (1 << (count - 1)) - 1 + ((x >> count) & 1)) >> count;
+}
+}  // namespace
+
+// A loop of its own for each sign of the scale factor.
+#define SCALED(sum, limit, destination)                      \
+  if (scaleFactor > 0) {                                     \
+    EACH destination = limit(RoundedDown(sum, scaleFactor)); \
+  } else if (scaleFactor == 0) {                             \
+    EACH destination = limit(sum);                           \
+  } else {                                                   \
+    EACH destination = limit((sum) * (1 << -scaleFactor));   \
+  }                                                          \
+  return 0;
+
+ZovStatus zovsAdd_16s_Sfs(IN(Zov16s, a), IN(Zov16s, b), OUT(Zov16s, d), int len,
+                          int scaleFactor){SCALED(a[i] + b[i], Limited16s, d[i])} ZovStatus
+    zovsAdd_16s_I(IN(Zov16s, s), OUT(Zov16s, d), int len) {
+  EACH d[i] = Limited16s(d[i] + s[i]);
+  return 0;
+}
+ZovStatus zovsAdd_16u_ISfs(IN(Zov16u, s), OUT(Zov16u, d), int len,
+                           int scaleFactor){SCALED(s[i] + d[i], Limited16u, d[i])} ZovStatus
+    zovsAddC_16u_ISfs(Zov16u val, OUT(Zov16u, d), int len,
+                      int scaleFactor){SCALED(d[i] + val, Limited16u, d[i])} ZovStatus
+    zovsSubC_16u_ISfs(Zov16u val, OUT(Zov16u, d), int len, int scaleFactor){
+        SCALED((d[i] > val ? d[i] - val : 0), Limited16u, d[i])} ZovStatus
+    zovsSubC_16s_I(Zov16s val, OUT(Zov16s, d), int len) {
+  EACH d[i] = Limited16s(d[i] - val);
+  return 0;
+}
+ZovStatus zovsMulC_16s_I(Zov16s val, OUT(Zov16s, d), int len) {
+  EACH d[i] = Limited16s(d[i] * val);
+  return 0;
+}
+ZovStatus zovsAbs_32s_I(OUT(Zov32s, d), int len) {
+  EACH d[i] = d[i] >= 0 ? d[i] : d[i] == INT32_MIN ? INT32_MAX : -d[i];
+  return 0;
+}
+ZovStatus zovsAndC_16u(IN(Zov16u, s), Zov16u val, OUT(Zov16u, d), int len) {
+  EACH d[i] = s[i] & val;
+  return 0;
+}
+ZovStatus zovsAndC_16u_I(Zov16u val, OUT(Zov16u, d), int len) {
+  EACH d[i] &= val;
+  return 0;
+}
+ZovStatus zovsOr_16u_I(IN(Zov16u, s), OUT(Zov16u, d), int len) {
+  EACH d[i] |= s[i];
+  return 0;
+}
+ZovStatus zovsLShiftC_16u(IN(Zov16u, s), int val, OUT(Zov16u, d), int len) {
+  EACH d[i] = static_cast<Zov16u>(s[i] << val);
+  return 0;
+}
+ZovStatus zovsLShiftC_16u_I(int val, OUT(Zov16u, d), int len) {
+  EACH d[i] = static_cast<Zov16u>(d[i] << val);
+  return 0;
+}
+ZovStatus zovsRShiftC_16u_I(int val, OUT(Zov16u, d), int len) {
+  EACH d[i] = static_cast<Zov16u>(d[i] >> val);
+  return 0;
+}
+// GCC rounds in vectors only where it need not think of traps.
+#if defined(__GNUC__) && !defined(__clang__)
+#define NO_TRAPS __attribute__((optimize("no-trapping-math")))
+#else
+#define NO_TRAPS
+#endif
+NO_TRAPS ZovStatus zovsCeil_32f(IN(Zov32f, s), OUT(Zov32f, d), int len) {
+  EACH d[i] = ceilf(s[i]);
+  return 0;
+}
+NO_TRAPS ZovStatus zovsFloor_32f(IN(Zov32f, s), OUT(Zov32f, d), int len) {
+  EACH d[i] = floorf(s[i]);
   return 0;
 }
 

@@ -32,6 +32,10 @@ const VolkKernels kVolkUnheld = {
       volk_16ic_magnitude_16i(out, static_cast<const lv_16sc_t*>(a), n);
     },
     THROUGH(volk_64f_x2_multiply_64f),
+    [](void* out, const void* a, const void* b, unsigned n) {
+      volk_32i_x2_or_32i(static_cast<std::int32_t*>(out), static_cast<const std::int32_t*>(a),
+                         static_cast<const std::int32_t*>(b), n);
+    },
 };
 
 #define ZOV_DECLARE(level)                 \

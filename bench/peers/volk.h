@@ -18,6 +18,7 @@ struct VolkKernels {
   void (*magnitude32fc)(float* out, const void* a, unsigned n);
   void (*magnitude16sc)(std::int16_t* out, const void* a, unsigned n);
   void (*multiply64f)(double* out, const double* a, const double* b, unsigned n);
+  void (*bitOr)(void* out, const void* a, const void* b, unsigned n);  // elements of 32 bits
 };
 
 // The kernels from VOLK's headers, the best that the instructions of each level allow. Called

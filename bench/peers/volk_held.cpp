@@ -28,6 +28,7 @@
 #include <volk/volk_32f_x2_multiply_32f.h>
 #include <volk/volk_32f_x2_subtract_32f.h>
 #include <volk/volk_32fc_magnitude_32f.h>
+#include <volk/volk_32i_x2_or_32i.h>
 #include <volk/volk_64f_x2_multiply_64f.h>
 
 #include "peers/volk.h"
@@ -44,6 +45,11 @@
 #else
 #define BEST_COMPLEX(name) name##_a_sse
 #endif
+#endif
+#if defined(__AVX2__)
+#define BEST_BITS(name) name##_a_avx2
+#else
+#define BEST_BITS(name) name##_a_sse
 #endif
 #if defined(__AVX2__)
 #define BEST_INTEGER(name) name##_a_avx2
@@ -71,6 +77,11 @@ const VolkKernels kKernels = {
       BEST_INTEGER(volk_16ic_magnitude_16i)(out, static_cast<const lv_16sc_t*>(a), n);
     },
     BEST_DOUBLE(volk_64f_x2_multiply_64f),
+    [](void* out, const void* a, const void* b, unsigned n) {
+      BEST_BITS(volk_32i_x2_or_32i)
+      (static_cast<std::int32_t*>(out), static_cast<const std::int32_t*>(a),
+       static_cast<const std::int32_t*>(b), n);
+    },
 };
 
 }  // namespace zov::bench::volk::ZOV_LEVEL_NAMESPACE

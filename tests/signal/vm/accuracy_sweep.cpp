@@ -1,8 +1,9 @@
 // Walks all 2^32 arguments of the vector maths, or every n-th, through the kernels of every class
 // and level, and prints the worst errors as the tables of docs/accuracy_vm.md.
 //
-//   vm_accuracy_sweep [--stride n] [--threads n] [function ...]
+//   vm_accuracy_sweep [--stride n] [--threads n] [--class A11] [--ordinary] [function ...]
 //
+// --class walks the kernels of one class, --ordinary leaves out what is outside the ordinary range.
 // Functions of two arguments walk random pairs instead, stratified by the exponents of both.
 //
 // Arguments that every kernel of a function hands to the one routine for elements outside its
@@ -32,6 +33,9 @@ using namespace zov::test;
 constexpr int kChunk = 1 << 14;
 constexpr int kLevels[] = {0, 1, 2, 4, 5, 6};
 const char* const kLevelNames[] = {"0", "1", "2, 3", "", "4", "5", "6"};
+
+int onlyClass = -1;
+bool onlyOrdinary = false;
 
 using Errors = std::vector<WorstError>;  // by class, then by level
 
@@ -66,7 +70,7 @@ void WalkKernels(const Row* const (&rows)[kLevelCount], Errors& errors, const fl
     for (int c = 0; c < 3; ++c) {
       if (c == 2 && KernelOf(*rows[level], 2) == KernelOf(*rows[level], 1)) continue;
       if (c == 1 && KernelOf(*rows[level], 1) == KernelOf(*rows[level], 0)) continue;
-      if (c > 0 && onlyOne) continue;
+      if ((c > 0 && onlyOne) || (onlyClass >= 0 && c != onlyClass)) continue;
       Distinct& own = distinct[count];
       call(KernelOf(*rows[level], c), own.result.data());
       std::size_t same = 0;
@@ -103,6 +107,7 @@ Errors SweepUnary(const UnaryFunction& function, std::uint64_t stride, int threa
       for (std::uint64_t i = 0; i < kChunk; ++i) {
         x[i] = std::bit_cast<float>(static_cast<std::uint32_t>((chunk * kChunk + i) * stride));
       }
+      if (onlyOrdinary && IsOutside(function.name, x[0])) continue;
       FillReference(function, x.data(), exact.data(), kChunk);
       // A chunk has one sign.
       const bool onlyOne = IsOutside(function.name, x[0]) && chunk % 64 != 0;
@@ -202,6 +207,13 @@ int main(int argc, char** argv) {
       stride = std::strtoull(argv[++i], nullptr, 10);
     } else if (std::strcmp(argv[i], "--threads") == 0 && i + 1 < argc) {
       threads = std::atoi(argv[++i]);
+    } else if (std::strcmp(argv[i], "--class") == 0 && i + 1 < argc) {
+      ++i;
+      for (int c = 0; c < 3; ++c) {
+        if (std::strcmp(argv[i], kClasses[c].name) == 0) onlyClass = c;
+      }
+    } else if (std::strcmp(argv[i], "--ordinary") == 0) {
+      onlyOrdinary = true;
     } else {
       names.emplace_back(argv[i]);
     }
