@@ -9,8 +9,8 @@ usage: scripts/bench.sh [option]...
 Measures KeloZov and its peers in turns, on one thread, and prints for each family the throughput of
 every operation and size, the best peer and the ratio to it, and the means of the ratios.
 
-  --family F      only the family F: entry, memory, arithmetic, search, resize, fft, fir,
-                  conversion or statistics
+  --family F      only the family F: entry, memory, arithmetic, search, resize, fft, fir, conversion,
+                  statistics, vm, vm_special, elementary or integer
   --filter REGEX  only the cases whose operation/size matches; one operation takes seconds:
                     scripts/bench.sh --filter '^zovsAdd_32f/'
                     scripts/bench.sh --family resize --filter '8u C1 linear'
