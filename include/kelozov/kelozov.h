@@ -1576,12 +1576,12 @@ KELO_API ZovStatus Kelo_zovsRShiftC_16u_I(int val, Zov16u* pSrcDst, int len);
  *   hundredths, interpolated linearly, which is within 4.6e-5 of it.
  *
  * By the cubics and Lanczos, 8-bit images are computed in binary32 and rounded once, to the nearest
- * and limited to 0..255, so that a value is within 0.501 of the exact one (0.55 by Lanczos).
- * Exact halves go up at level 0 and for pixels whose taps reach past the image, to even elsewhere.
- * Floating-point images keep values outside the range of the source; results are within 1e5 units
- * of 2^-24 (`64f`: 2^-53) of the exact ones for values up to 1000, and the last bits may differ
- * between levels: level 6 fuses multiply and add of `32f` images, and the weights of Lanczos differ
- * between level 0 and the others in the last place.
+ * and limited to 0..255, so that a value is within 0.502 of the exact one (0.6 by Lanczos). Exact
+ * halves go up at level 0 and for pixels whose taps reach past the image, to even elsewhere.
+ * Floating-point images keep values outside the range of the source. Results of `32f` are within
+ * 1.2e-5 of the largest magnitude in the source (4e-4 by Lanczos), those of `64f` within 2.3e-14.
+ * The last bits may differ between levels: level 6 fuses multiply and add of `32f` images, and the
+ * weights of Lanczos differ between level 0 and the others in the last place.
  *
  * ::ZOV_INTERP_AREA takes factors up to 1. A destination pixel is the mean of the source under it,
  * each source pixel by its share; the outermost pixels are repeated beyond the image. Where the
