@@ -151,21 +151,21 @@ ZOV_INLINE void TransposeLanes(VecI<std::uint32_t>* v) {
   _MM_TRANSPOSE4_PS(row[0], row[1], row[2], row[3]);
   for (int i = 0; i < 4; ++i) v[i].v = (VecI<std::uint32_t>::Native)row[i];
 #else
-  constexpr int kLanes = VecI<std::uint32_t>::kLanes;
-  VecF rows[kLanes];
-  for (int i = 0; i < kLanes; ++i) rows[i] = As<float>(v[i]);
+  constexpr int kSide = VecI<std::uint32_t>::kLanes;
+  VecF rows[kSide];
+  for (int i = 0; i < kSide; ++i) rows[i] = As<float>(v[i]);
   TransposeLanes(rows);
-  for (int i = 0; i < kLanes; ++i) v[i] = As<std::uint32_t>(rows[i]);
+  for (int i = 0; i < kSide; ++i) v[i] = As<std::uint32_t>(rows[i]);
 #endif
 }
 
 ZOV_INLINE void TransposeLanes(VecI<std::uint16_t>* v) {
   using V = VecI<std::uint16_t>;
-  constexpr int kLanes = V::kLanes;
+  constexpr int kSide = V::kLanes;
   // Three rounds that interleave the vectors of one half with those of the
   // other.
 #if defined(__AVX2__)
-  static_assert(kLanes == 16);
+  static_assert(kSide == 16);
   __m256i w[16];
   for (int i = 0; i < 16; ++i) w[i] = (__m256i)v[i].v;
   for (int round = 0; round < 3; ++round) {
@@ -183,7 +183,7 @@ ZOV_INLINE void TransposeLanes(VecI<std::uint16_t>* v) {
     v[i + 8].v = (V::Native)_mm256_permute2x128_si256(w[i], w[i + 8], 0x31);
   }
 #else
-  static_assert(kLanes == 8);
+  static_assert(kSide == 8);
   __m128i w[8];
   for (int i = 0; i < 8; ++i) w[i] = (__m128i)v[i].v;
   for (int round = 0; round < 3; ++round) {
