@@ -62,7 +62,7 @@ void HalveRow(const Zov8u* upper, const Zov8u* lower, const AreaMeans<Zov8u, std
 ZOV_INLINE VecF SumOfRows(const Zov8u* upper, const Zov8u* lower, int i) {
   const auto load = [i](const Zov8u* row) __attribute__((always_inline)) {
     const float* const p = reinterpret_cast<const float*>(row) + i;
-#if defined(__AVX__)
+#if defined(__AVX__) && !defined(__AVX2__)
     // Every other four pixels, so that the pairs come out in order.
     return VecF{(VecF::Native)_mm256_set_m128(_mm_loadu_ps(p + 8), _mm_loadu_ps(p))};
 #else
@@ -75,10 +75,11 @@ ZOV_INLINE VecF SumOfRows(const Zov8u* upper, const Zov8u* lower, int i) {
 template <int kChannels>
 void HalveRow(const Zov8u* upper, const Zov8u* lower, const AreaMeans<Zov32f, Zov32f>& means,
               int count, Zov32f* result) {
+  constexpr int kNext = kLevel >= Level::avx2 ? 8 : 4;
   int i = 0;
   for (; i + VecF::kLanes <= count; i += VecF::kLanes) {
     const VecF a = SumOfRows(upper, lower, 2 * i);
-    const VecF b = SumOfRows(upper, lower, 2 * i + 4);
+    const VecF b = SumOfRows(upper, lower, 2 * i + kNext);
 #if defined(__AVX__)
     const VecF even = {(VecF::Native)_mm256_shuffle_ps((__m256)a.v, (__m256)b.v, 0x88)};
     const VecF odd = {(VecF::Native)_mm256_shuffle_ps((__m256)a.v, (__m256)b.v, 0xDD)};
@@ -86,7 +87,11 @@ void HalveRow(const Zov8u* upper, const Zov8u* lower, const AreaMeans<Zov32f, Zo
     const VecF even = {(VecF::Native)_mm_shuffle_ps((__m128)a.v, (__m128)b.v, 0x88)};
     const VecF odd = {(VecF::Native)_mm_shuffle_ps((__m128)a.v, (__m128)b.v, 0xDD)};
 #endif
-    means(even + odd).Store(result + i);
+    VecF mean = means(even + odd);
+#if defined(__AVX2__)
+    mean.v = (VecF::Native)_mm256_permute4x64_pd((__m256d)mean.v, 0xD8);
+#endif
+    mean.Store(result + i);
   }
   for (; i < count; ++i) {
     const auto sum = [&](int k) {
