@@ -8,14 +8,17 @@ namespace zov::ZOV_LEVEL_NAMESPACE {
 
 namespace {
 
-// Four elements of 16 bits as 32-bit lanes.
-ZOV_INLINE __m128i Widen4(const Zov16s* p) {
-  const __m128i x = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+// The first four elements of 16 bits as 32-bit lanes.
+ZOV_INLINE __m128i Widen4(__m128i x) {
 #if defined(__SSE4_1__)
   return _mm_cvtepi16_epi32(x);
 #else
   return _mm_srai_epi32(_mm_unpacklo_epi16(x, x), 16);
 #endif
+}
+
+ZOV_INLINE __m128i Widen4(const Zov16s* p) {
+  return Widen4(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
 }
 
 // One vector of floats from as many elements of 16 bits.
@@ -109,17 +112,25 @@ ZOV_INLINE void SplitPairs(const ScaleSample& scale, const Zov16s* pSrc, Zov32f*
   }
 }
 
-// One channel out of many: the elements are gathered one by one and scaled together.
+// Element i of a channel, for i from 0 to 3, as floats. They are put together in a register: a
+// vector loaded over single stores would wait for them.
+ZOV_INLINE Vec<float, 4> GatherFour(const Zov16s* pSrc, std::ptrdiff_t channels) {
+  __m128i x = _mm_cvtsi32_si128(pSrc[0]);
+  x = _mm_insert_epi16(x, pSrc[channels], 1);
+  x = _mm_insert_epi16(x, pSrc[2 * channels], 2);
+  x = _mm_insert_epi16(x, pSrc[3 * channels], 3);
+  return {_mm_cvtepi32_ps(Widen4(x))};
+}
+
+// One channel out of many.
 ZOV_INLINE void SplitChannel(const ScaleSample& scale, const Zov16s* pSrc, std::ptrdiff_t channels,
                              Zov32f* pDst, int len) {
+  const auto scales = Vec<float, 4>::Broadcast(kSampleScale);
+  const auto offsets = Vec<float, 4>::Broadcast(kSampleOffset);
   int i = 0;
-  for (; len - i >= ScaleSample::kStep; i += ScaleSample::kStep) {
-    Zov16s gathered[ScaleSample::kStep];
-    for (Zov16s& x : gathered) {
-      x = *pSrc;
-      pSrc += channels;
-    }
-    scale.Block(gathered, pDst + i);
+  for (; len - i >= 4; i += 4) {
+    (GatherFour(pSrc, channels) * scales + offsets).Store(pDst + i);
+    pSrc += 4 * channels;
   }
   for (; i < len; ++i) {
     pDst[i] = scale.One(*pSrc);

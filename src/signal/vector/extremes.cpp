@@ -124,6 +124,8 @@ ZOV_INLINE ZovStatus FindBothExtremes(const T* pSrc, int len, T* pMin, T* pMax) 
   RunningBest<T, Smallest> smallest(pSrc[0]);
   RunningBest<T, Largest> largest(pSrc[0]);
   VisitVectors<Widest<T>>(pSrc, len, [&](int chain, Widest<T> x) {
+    // Kept in a register: as an operand in memory of both it would be loaded twice.
+    asm("" : "+x"(x.v));
     smallest.Take(chain, x);
     largest.Take(chain, x);
   });

@@ -158,6 +158,15 @@ TEST(Convert, RoundingModesAndScales) {
     const std::uint32_t mxcsr = zovCpuGetMxcsr() & ~0x3Fu;
     WalkRounding<Zov32f>(ZOV_AT(level, zovsConvert_32f16s_Sfs));
     EXPECT_EQ(zovCpuGetMxcsr() & ~0x3Fu, mxcsr);
+    // Binary64 is rounded to nearest whatever the mode of the thread, which comes back.
+    const Zov64f halves[9] = {0.75, 1.5, 2.5, -0.75, -1.5, -2.5, 3e9, -3e9, 0.75};
+    Zov16s nearest[9];
+    zovCpuSetRoundMode(0x6000);
+    ZOV_AT(level, zovsConvert_64f16s_Sfs)(halves, nearest, 9, ZOV_RND_NEAR, 0);
+    const std::uint32_t after = zovCpuSetRoundMode(0);
+    EXPECT_EQ(after & 0x6000, 0x6000u);
+    const Zov16s wanted[9] = {1, 2, 2, -1, -2, -2, 32767, -32768, 1};
+    EXPECT_EQ(std::memcmp(nearest, wanted, sizeof wanted), 0);
     WalkRounding<Zov64f>(ZOV_AT(level, zovsConvert_64f16s_Sfs));
     // Factors beyond the type: 0 for a positive scale factor, infinity for a negative one.
     const Zov32f one[3] = {1, -1, 1e-30f};
