@@ -185,7 +185,14 @@ struct Elementwise {
   // All whole vectors from i on; returns where they end.
   template <bool kAligned>
   static ZOV_INLINE Index Main(Op& op, Index i, Index n, Dst* dst, const Src*... src) {
-    for (; i <= n - K * N; i += K * N) {
+    // From one array to another beyond the first-level cache a vector a pass is faster: prefetchers
+    // then follow one load and one store.
+    Index unrolled = n;
+    if constexpr (!kHasBlock && sizeof...(Src) == 1) {
+      constexpr Index kFirstLevel = 32768 / sizeof(Dst);
+      if (n > kFirstLevel && ((static_cast<const void*>(src) != dst) && ...)) unrolled = 0;
+    }
+    for (; i <= unrolled - K * N; i += K * N) {
       Step<K, kAligned>(op, dst + i, (src + i)...);
       KeepInRegister(i);
     }
