@@ -19,6 +19,7 @@ every operation and size, the best peer and the ratio to it, and the means of th
   --levels        every level against the one below, without peers
   --unheld        lets OpenCV and the C library use all instructions of the processor
   --quick         a quarter of the time for each case
+  --brief         one row for each operation, none for its sizes
   --csv FILE      writes all figures to FILE
   --list          lists the cases and measures none
   --no-install    does not look for missing packages
@@ -31,7 +32,7 @@ END
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=$root/build/bench
 family='[^/]*' filter='' level='' csv='' install=1 hold=1 list=0
-program_options=()
+program_options=() report_options=()
 while [[ $# -gt 0 ]]; do
   case $1 in
     --family | --filter | --level | --csv)
@@ -40,6 +41,7 @@ while [[ $# -gt 0 ]]; do
       shift ;;
     --levels) program_options+=(--levels) ;;
     --unheld) hold=0 ;;
+    --brief) report_options+=(--brief) ;;
     --quick) program_options+=(--budget=30) ;;
     --list) list=1 ;;
     --no-install) install=0 ;;
@@ -81,4 +83,4 @@ if [[ $hold -eq 1 ]]; then
 fi
 "$program" --benchmark_filter="$pattern" --benchmark_out="$result" --benchmark_out_format=json \
   "${program_options[@]}"
-python3 "$root/bench/report.py" "$result" ${csv:+--csv "$csv"}
+python3 "$root/bench/report.py" "$result" "${report_options[@]}" ${csv:+--csv "$csv"}
