@@ -60,7 +60,8 @@ def assembler_input(path):
         # A jump's target is a bare address; prefixes of padding are no instruction.
         code = re.sub(r"^((?:bnd |notrack )?(?:j\w+|call|loop\w*)(?:,p[nt])?\s+)([0-9a-f]+)$",
                       r"\g<1>0x\2", code)
-        code = re.sub(r"^(?:(?:data16|cs|ds|rex\.WB?) )+(?=nop|call|lea|jmp)", "", code)
+        code = re.sub(r"^(?:(?:data16|[cdes]s|rex\.WB?) )+(?=nop|call|lea|jmp)", "", code)
+        code = re.sub(r"^(?:[cdes]s )+", "", code)
         # The compiler writes rep bsf for speed: where tzcnt does not exist it is bsf.
         code = re.sub(r"^tzcnt\b", "rep bsf", code)
         source.append(code)
