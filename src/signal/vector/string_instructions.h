@@ -1,5 +1,6 @@
-// The processor's string move and string store. Both run upwards, and leave the direction flag as
-// the caller had it; restoring all flags at once would be slow.
+// The processor's string move and string store. Both run upwards. The move leaves the direction
+// flag as the caller had it; restoring all flags at once would be slow. The store, which serves
+// short arrays too, relies on the calling convention, by which the flag is clear.
 #pragma once
 
 #include <cstdint>
@@ -43,11 +44,7 @@ ZOV_INLINE void StringMove(const Zov8u*& src, Zov8u*& dst, std::int64_t count) {
 
 // Stores `count` times 8 bytes.
 ZOV_INLINE void StringStore(Zov8u* dst, std::uint64_t bits, std::int64_t count) {
-  std::uint64_t flags;
-  asm volatile(ZOV_WITH_DIRECTION_CLEAR("rep stosq")
-               : "+D"(dst), "+c"(count), [flags] "=&r"(flags)
-               : "a"(bits)
-               : "memory", "cc");
+  asm volatile("rep stosq" : "+D"(dst), "+c"(count) : "a"(bits) : "memory");
 }
 
 #undef ZOV_STRING_MOVE

@@ -100,7 +100,7 @@ std::vector<std::uint8_t> Expected(const std::uint8_t* value, int elementBytes, 
 }
 
 TEST(Fill, EveryLengthAndAlignment) {
-  const GuardedArray<std::uint8_t> array(4096);
+  const GuardedArray<std::uint8_t> array(8192);
   const auto check = [&](const Member& member, int level, int count, Guard guard,
                          std::size_t shift) {
     const std::size_t bytes = static_cast<std::size_t>(count * member.elementBytes);
@@ -118,7 +118,7 @@ TEST(Fill, EveryLengthAndAlignment) {
       for (const Guard guard : kGuards) {
         for (int count = 1; count <= 200; ++count) check(member, level, count, guard, 0);
         for (std::size_t shift = 0; shift < 64; ++shift) {
-          for (const int bytes : {16, 48, 64, 80, 144, 272, 336, 592}) {
+          for (const int bytes : {16, 48, 64, 80, 144, 272, 336, 592, 4080, 4096, 4099, 4110}) {
             check(member, level, bytes / member.elementBytes, guard, shift);
           }
         }
