@@ -30,7 +30,10 @@ WidenedKernel::Taps WidenedKernel::At(int pixel) const {
   int first = static_cast<int>(near);
   if (near != first) first += near > 0 ? 1 : -1;
   const int last = static_cast<int>(centre + radius_);
-  return {centre, first, last - first + 1};
+  // Both ends can round outward; then the last tap lies where the kernel ends, and has no weight.
+  const int count = last - first + 1;
+  const int most = MostTaps();
+  return {centre, first, count < most ? count : most};
 }
 
 double WidenedKernel::WeightAt(const Taps& taps, int tap) const {
