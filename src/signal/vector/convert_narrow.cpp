@@ -13,28 +13,90 @@ constexpr float kMax32f = 3.4028234663852886e38F;
 
 // An infinity of the conversion stands for what lies beyond the limits too. The limits are the
 // first operands, so that a NaN passes through.
+ZOV_INLINE VecF Limited32f(VecF x) {
+  return Max(VecF::Broadcast(-kMax32f), Min(VecF::Broadcast(kMax32f), x));
+}
+
+using Quad = Vec<Zov32f, 4>;
+template <class V>
+ZOV_INLINE V LoadNarrowed(const Zov64f* pSrc) {
+#if defined(__AVX__)
+  if constexpr (V::kLanes == 8) {
+    const __m256 low = _mm256_castps128_ps256(LoadNarrowed<Quad>(pSrc).v);
+    return {_mm256_insertf128_ps(low, LoadNarrowed<Quad>(pSrc + 4).v, 1)};
+  } else {
+    return {_mm256_cvtpd_ps(_mm256_loadu_pd(pSrc))};
+  }
+#else
+  const __m128 low = _mm_cvtpd_ps(_mm_loadu_pd(pSrc));
+  const __m128 high = _mm_cvtpd_ps(_mm_loadu_pd(pSrc + 2));
+  return {_mm_movelh_ps(low, high)};
+#endif
+}
+
 struct Narrow64f32f {
   static constexpr int kStep = VecF::kLanes;
-  static ZOV_INLINE VecF LoadNarrowed(const Zov64f* pSrc) {
-#if defined(__AVX__)
-    const __m128 low = _mm256_cvtpd_ps(_mm256_loadu_pd(pSrc));
-    const __m128 high = _mm256_cvtpd_ps(_mm256_loadu_pd(pSrc + 4));
-    return {_mm256_insertf128_ps(_mm256_castps128_ps256(low), high, 1)};
-#else
-    const __m128 low = _mm_cvtpd_ps(_mm_loadu_pd(pSrc));
-    const __m128 high = _mm_cvtpd_ps(_mm_loadu_pd(pSrc + 2));
-    return {_mm_movelh_ps(low, high)};
-#endif
-  }
   static ZOV_INLINE void Block(const Zov64f* pSrc, Zov32f* pDst) {
-    const VecF x = Min(VecF::Broadcast(kMax32f), LoadNarrowed(pSrc));
-    Max(VecF::Broadcast(-kMax32f), x).Store(pDst);
+    Limited32f(LoadNarrowed<VecF>(pSrc)).Store(pDst);
   }
   static ZOV_INLINE Zov32f One(Zov64f x) {
     const Zov32f y = static_cast<Zov32f>(x);
     return y > kMax32f ? kMax32f : y < -kMax32f ? -kMax32f : y;
   }
 };
+
+// Next to no element lies beyond the limits: whole passes of 32 are stored as they come, and true
+// comes back if there was an infinity or a NaN, which makes a product that began with zero a NaN.
+template <class V>
+ZOV_INLINE bool StoreNarrowed(const Zov64f*& pSrc, Zov32f*& pDst, int len) {
+  V product[4] = {V::Zero(), V::Zero(), V::Zero(), V::Zero()};
+  for (const Zov32f* const end = pDst + len; pDst != end; pSrc += 32, pDst += 32) {
+    for (int i = 0; i < 32; i += 2 * V::kLanes) {
+      const V low = LoadNarrowed<V>(pSrc + i);
+      const V high = LoadNarrowed<V>(pSrc + i + V::kLanes);
+      low.Store(pDst + i);
+      high.Store(pDst + i + V::kLanes);
+      const int k = i / V::kLanes % 4;
+      product[k] = product[k] * low;
+      product[k + 1] = product[k + 1] * high;
+    }
+  }
+  const V all = (product[0] * product[1]) * (product[2] * product[3]);
+  return MoveMask(all == all) != (1U << V::kLanes) - 1;
+}
+
+// Limits the `stored` elements that lie before, then converts the others.
+ZOV_NOINLINE ZovStatus NarrowByBlocks(const Zov64f* pSrc, Zov32f* pDst, int len, int stored) {
+  for (Zov32f* p = pDst - stored; p != pDst; p += VecF::kLanes) Limited32f(VecF::Load(p)).Store(p);
+  ConvertArray(Narrow64f32f{}, pSrc, pDst, len);
+  return zovStsNoErr;
+}
+
+// By chunks, which are still in the nearest cache if they must be limited.
+template <class V>
+ZOV_INLINE ZovStatus NarrowByPasses(const Zov64f* pSrc, Zov32f* pDst, int len) {
+  constexpr int kChunk = 1024;
+  while (len >= 32) {
+    const int count = len < kChunk ? len & ~31 : kChunk;
+    len -= count;
+    if (StoreNarrowed<V>(pSrc, pDst, count)) [[unlikely]] {
+      return NarrowByBlocks(pSrc, pDst, len, count);
+    }
+  }
+  if (len != 0) ConvertArray(Narrow64f32f{}, pSrc, pDst, len);
+  return zovStsNoErr;
+}
+ZOV_NOINLINE ZovStatus NarrowLong(const Zov64f* pSrc, Zov32f* pDst, int len) {
+  return NarrowByPasses<VecF>(pSrc, pDst, len);
+}
+
+// Whether the destination begins inside the source, past its first byte: what is written may be
+// read later.
+ZOV_INLINE bool WritesAhead(const Zov64f* pSrc, const Zov32f* pDst, int len) {
+  const std::uintptr_t ahead =
+      reinterpret_cast<std::uintptr_t>(pDst) - reinterpret_cast<std::uintptr_t>(pSrc);
+  return ahead - 1 < static_cast<std::uintptr_t>(len) * sizeof(Zov64f) - 1;
+}
 
 struct Narrow32s16s {
   static constexpr int kStep = kLevel >= Level::avx2 ? 16 : 8;
@@ -239,8 +301,13 @@ ZOV_INLINE void NarrowByMode(const T* pSrc, Zov16s* pDst, int len, int rndMode, 
 
 ZovStatus zovsConvert_64f32f(const Zov64f* pSrc, Zov32f* pDst, int len) {
   if (const ZovStatus status = CheckArrays(len, pSrc, pDst)) return status;
-  ConvertArray(Narrow64f32f{}, pSrc, pDst, len);
-  return zovStsNoErr;
+  if (WritesAhead(pSrc, pDst, len)) [[unlikely]]
+    return NarrowByBlocks(pSrc, pDst, len, 0);
+  // Joining two halves takes longer than storing them one by one, except beyond the first-level
+  // cache.
+  constexpr int kLong = 4096;
+  if (VecF::kLanes > Quad::kLanes && len > kLong) return NarrowLong(pSrc, pDst, len);
+  return NarrowByPasses<Quad>(pSrc, pDst, len);
 }
 
 ZovStatus zovsConvert_32s16s(const Zov32s* pSrc, Zov16s* pDst, int len) {

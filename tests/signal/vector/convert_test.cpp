@@ -100,6 +100,40 @@ TEST(Convert, NarrowingSaturates) {
   });
 }
 
+// One element beyond the limits, or a NaN, among thousands of others, with the results elsewhere
+// and over the source.
+TEST(Convert, OneElementIsLimitedAmongMany) {
+  constexpr std::size_t n = 5003;
+  constexpr double inf = std::numeric_limits<double>::infinity();
+  constexpr float most = std::numeric_limits<float>::max();
+  ForEachLevel([](int level) {
+    const auto convert = ZOV_AT(level, zovsConvert_64f32f);
+    for (const std::size_t at : {0u, 31u, 1023u, 1024u, 2047u, 3000u, 4991u, 5002u}) {
+      for (const double special : {1e39, -1e300, inf, -inf, std::nan("")}) {
+        std::vector<Zov64f> x(n);
+        for (std::size_t i = 0; i < n; ++i) x[i] = static_cast<double>(i) - 2500.5;
+        x[at] = special;
+        std::vector<Zov32f> y(n), over(n);
+        ASSERT_EQ(convert(x.data(), y.data(), static_cast<int>(n)), zovStsNoErr);
+        ASSERT_EQ(convert(x.data(), reinterpret_cast<Zov32f*>(x.data()), static_cast<int>(n)),
+                  zovStsNoErr);
+        std::memcpy(over.data(), x.data(), n * sizeof(Zov32f));
+        EXPECT_EQ(std::memcmp(over.data(), y.data(), n * sizeof(Zov32f)), 0);
+        if (special == special) {
+          EXPECT_EQ(y[at], special > 0 ? most : -most) << at;
+        } else {
+          EXPECT_TRUE(std::isnan(y[at])) << at;
+        }
+        for (std::size_t i = 0; i < n; ++i) {
+          if (i != at) {
+            ASSERT_EQ(y[i], static_cast<float>(static_cast<double>(i) - 2500.5)) << i;
+          }
+        }
+      }
+    }
+  });
+}
+
 // The rounded and saturated value of y, which is exact. Ties away from zero come from an addition
 // of one half: of a double, it may itself round up to the next integer.
 template <class T>
