@@ -25,13 +25,14 @@ TYPED_TEST(FftObjects, StatusesInOrder) {
     using Spec = typename Fft<TypeParam>::Spec;
     const auto init = Fft<TypeParam>::Init(level);
     const int limit = (sizeof(TypeParam) == 4 ? 28 : 27) + (level > 0);
-    Spec* spec = nullptr;
+    Spec untouched;
+    Spec* spec = &untouched;
     EXPECT_EQ(init(nullptr, 31, 3, 0), zovStsNullPtrErr);
     EXPECT_EQ(init(&spec, -1, 3, 0), zovStsFftOrderErr);
     EXPECT_EQ(init(&spec, 31, 3, 0), zovStsFftOrderErr);
     EXPECT_EQ(init(&spec, limit + 1, 3, 0), zovStsFftFlagErr);
     EXPECT_EQ(init(&spec, limit + 1, ZOV_FFT_SCALE_NONE, 0), zovStsFftOrderErr);
-    EXPECT_EQ(spec, nullptr);
+    EXPECT_EQ(spec, &untouched);
     EXPECT_EQ(Fft<TypeParam>::Free(level)(nullptr), zovStsNullPtrErr);
 
     ASSERT_EQ(init(&spec, 5, ZOV_FFT_SCALE_SQRT, 12345), zovStsNoErr);
@@ -251,10 +252,12 @@ TYPED_TEST(FftObjects, FailedAllocationReleasesAll) {
     for (int grants = 0; grants <= 2; ++grants) {
       granted = grants;
       live = 0;
-      typename Fft<TypeParam>::Spec* spec = nullptr;
+      typename Fft<TypeParam>::Spec other;
+      typename Fft<TypeParam>::Spec* spec = &other;
       const ZovStatus status = Fft<TypeParam>::Init(level)(&spec, 12, ZOV_FFT_SCALE_NONE, 0);
       EXPECT_EQ(status, grants < 2 ? zovStsMemAllocErr : zovStsNoErr);
       EXPECT_EQ(live, grants < 2 ? 0 : 1);
+      EXPECT_EQ(spec == nullptr, grants < 2);
       if (spec != nullptr) {
         EXPECT_EQ(Fft<TypeParam>::Free(level)(spec), zovStsNoErr);
       }

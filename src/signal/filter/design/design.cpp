@@ -67,7 +67,7 @@ struct Taps {
   }
 
   void ApplyWindow(int winType) {
-    std::memset(taps + (len + 1) / 2, 0, static_cast<std::size_t>(half) * sizeof(Zov64f));
+    std::memset(taps + (len - half), 0, static_cast<std::size_t>(half) * sizeof(Zov64f));
     switch (winType) {
       case ZOV_WIN_BARTLETT:
         zovsWinBartlett_64f_I(taps, len);

@@ -106,8 +106,9 @@ class Filter {
   }
 
   void DirectChunks(const S* pSrc, S* pDst, int len) const {
-    for (int done = 0; done < len; done += kChunk) {
-      DirectPass(pSrc + done, pDst + done, len - done < kChunk ? len - done : kChunk);
+    for (std::int64_t done = 0; done < len; done += kChunk) {
+      const std::int64_t left = len - done;
+      DirectPass(pSrc + done, pDst + done, left < kChunk ? static_cast<int>(left) : kChunk);
     }
   }
 
@@ -155,14 +156,14 @@ class Filter {
     }
   }
 
-  // Widens each sample once, into a window that stays in the nearest cache. Passes of these
-  // families are short, and those with many taps shorter still: half the window holds their
-  // history.
+  // Widens each sample once, into a window that stays in the nearest cache. With more taps than
+  // half of it, which only filters without a spectrum have here, all samples go at once: they and
+  // their history are fewer than those of a chunk.
   void SumsOfWidened(const FirTaps<T>& taps, const S* pSrc, S* pDst, int len) const {
     constexpr int kWindow = 1024;
-    alignas(64) T window[kWindow];
+    alignas(64) T window[kChunk];
     const int history = state.tapsLen - 1;
-    const int most = kWindow - history;
+    const int most = history <= kWindow / 2 ? kWindow - history : len;
     for (int done = 0; done < len; done += most) {
       const int count = len - done < most ? len - done : most;
       Widen(pSrc + done, window, count + history);

@@ -199,12 +199,15 @@ ZovStatus Make32f(ZovFIRState** ppState, const Zov32f* pTaps, int tapsLen, const
   Zov8u* unused;
   ZovStatus status = MakeBlock<Fir32f>(&state, pTaps, tapsLen, pDlyLine, plan, &unused, &unused);
   if (status == zovStsNoErr) {
-    *ppState = state;
-    if (spec == nullptr) return zovStsNoErr;
-    state->pFFTSpec = spec;
-    state->fftLen = static_cast<Zov32s>(plan.length);
-    status = TransformTaps(pTaps, plan, *state);
-    if (status == zovStsNoErr) return zovStsNoErr;
+    if (spec != nullptr) {
+      state->pFFTSpec = spec;
+      state->fftLen = static_cast<Zov32s>(plan.length);
+      status = TransformTaps(pTaps, plan, *state);
+    }
+    if (status == zovStsNoErr) {
+      *ppState = state;
+      return zovStsNoErr;
+    }
     zovFreeAligned(state);
   }
   if (spec != nullptr) zovsFFTFree_R_32f(spec);
@@ -246,6 +249,7 @@ ZovStatus Make(ZovFIRState** ppState, const typename Family::Tap* pTaps, int tap
                const typename Family::Sample* pDlyLine) {
   if (AnyNull(ppState, pTaps)) return zovStsNullPtrErr;
   if (tapsLen < 1) return zovStsFirLenErr;
+  *ppState = nullptr;  // what a failure leaves
   if constexpr (kIsWide<Family>) {
     return MakeWide<Family>(ppState, pTaps, tapsLen, pDlyLine);
   } else {

@@ -1,5 +1,10 @@
 // FIR filters of all families: streams cut in every way against sums in long double, the delay
 // line bit by bit, the output steps, and the making of states.
+#ifdef __linux__
+#include <sys/mman.h>
+#include <unistd.h>
+#endif
+
 #include <algorithm>
 #include <bit>
 #include <climits>
@@ -53,7 +58,7 @@ class Filter {
   Filter(const Filter&) = delete;
   Filter& operator=(const Filter&) = delete;
   ZovFIRState* get() const { return state_; }
-  const Record<Family>* operator->() const { return static_cast<Record<Family>*>(state_); }
+  Record<Family>* operator->() const { return static_cast<Record<Family>*>(state_); }
 
  private:
   int level_;
@@ -105,15 +110,18 @@ bool IsClose(int level, typename Family::Sample result, long double sum, const S
   }
 }
 
-// Runs the stream in pieces of the given lengths, each between guard pages.
+// Runs the stream in pieces of the given lengths, each between guard pages and at any byte. Without
+// transforms the state is one that has got no FFT object.
 template <class Family>
-void CheckStream(int level, const Stream& stream, const std::vector<int>& cuts, bool inPlace) {
+void CheckStream(int level, const Stream& stream, const std::vector<int>& cuts, bool inPlace,
+                 bool hasTransforms = true) {
   using Sample = typename Family::Sample;
   const std::size_t tapsLen = stream.taps.size();
   const std::vector<Sample> samples(stream.samples.begin(), stream.samples.end());
   const std::vector<Sample> delayLine(samples.rend() - static_cast<std::ptrdiff_t>(tapsLen),
                                       samples.rend());
   const Filter<Family> filter(level, stream.taps, delayLine.data());
+  if (!hasTransforms) filter->fftLen = -1;
   const int scaleFactor = std::max(0, static_cast<int>(std::ceil(std::log2(stream.scale / 3e4L))));
   const std::size_t most = static_cast<std::size_t>(*std::max_element(cuts.begin(), cuts.end()));
   const GuardedArray<Sample> sources(most), destinations(most);
@@ -122,7 +130,7 @@ void CheckStream(int level, const Stream& stream, const std::vector<int>& cuts, 
     SCOPED_TRACE("cut of " + std::to_string(cut) + " at " + std::to_string(done));
     const std::size_t count = static_cast<std::size_t>(cut);
     const Guard guard = kGuards[count % 2];
-    const std::size_t shift = count % 5 * sizeof(Sample);
+    const std::size_t shift = count % 13;
     Sample* const source = sources.At(count, guard, shift);
     Sample* const result = inPlace ? source : destinations.At(count, guard, shift);
     const GuardedArray<Sample>& written = inPlace ? sources : destinations;
@@ -183,6 +191,96 @@ TEST_P(Fir, StreamsHaveTheSumsHoweverTheyAreCut) {
 }
 INSTANTIATE_TEST_SUITE_P(Taps, Fir,
                          testing::Values(1, 2, 7, 15, 16, 31, 32, 63, 64, 65, 127, 128, 1000));
+
+// All lengths of a chunk meet all lengths of history that the direct sums can have.
+TEST(FirRoute, IsDirectWithManyTapsWithoutTransforms) {
+  for (const int tapsLen : {64, 513, 514, 1025, 1500, 2046, 2112}) {
+    SCOPED_TRACE(tapsLen);
+    std::mt19937 random(static_cast<unsigned>(tapsLen));
+    const std::vector<int> cuts = {tapsLen + 9, 5, 2048, 2112, 100, tapsLen + 500, 1, 2 * 2112 - 1};
+    int total = 0;
+    for (const int cut : cuts) total += cut;
+    const Stream stream(static_cast<std::size_t>(tapsLen), static_cast<std::size_t>(total), random);
+    ForEachLevel([&](int level) {
+      for (const bool inPlace : {false, true}) {
+        CheckStream<common::Fir64f>(level, stream, cuts, inPlace, false);
+        CheckStream<common::Fir64fOn32f>(level, stream, cuts, inPlace, false);
+        CheckStream<common::Fir64fOn16s>(level, stream, cuts, inPlace, false);
+      }
+    });
+  }
+}
+
+// The last sample of a delay line meets no tap, so that not even a NaN is felt.
+template <class Family>
+void CheckOldestSample(int level) {
+  for (const std::size_t tapsLen : {1, 2, 5, 16, 31, 40, 64, 200}) {
+    std::vector<typename Family::Sample> delayLine(tapsLen, 1);
+    delayLine.back() = NAN;
+    for (const int len : {1, 3, 31, 200, 512, 2000}) {
+      const Filter<Family> filter(level, std::vector<float>(tapsLen, 1), delayLine.data());
+      std::vector<typename Family::Sample> x(static_cast<std::size_t>(len), 1), y(x);
+      Exports<Family>::Run(level, x.data(), y.data(), len, filter.get());
+      for (const auto result : y) {
+        ASSERT_NEAR(result, tapsLen, 1e-3) << tapsLen << " taps, " << len << " samples";
+      }
+    }
+  }
+}
+
+TEST(FirRoute, NeverReadsTheOldestSample) {
+  ForEachLevel([](int level) {
+    CheckOldestSample<common::Fir32f>(level);
+    CheckOldestSample<common::Fir64f>(level);
+    CheckOldestSample<common::Fir64fOn32f>(level);
+  });
+}
+
+#ifdef __linux__
+// 2^31 samples that are the same few pages over and over, with nothing below and above.
+class RepeatedSamples {
+ public:
+  static constexpr std::size_t kPeriod = 1 << 20;
+
+  RepeatedSamples() {
+    const int file = memfd_create("samples", 0);
+    void* const mapping =
+        mmap(nullptr, 3 * kBytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    EXPECT_TRUE(ftruncate(file, kPart) == 0 && mapping != MAP_FAILED);
+    begin_ = static_cast<std::uint8_t*>(mapping) + kBytes;
+    for (std::size_t offset = 0; offset < kBytes; offset += kPart) {
+      void* const part =
+          mmap(begin_ + offset, kPart, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_FIXED, file, 0);
+      EXPECT_EQ(part, begin_ + offset);
+    }
+    close(file);
+  }
+  ~RepeatedSamples() { munmap(begin_ - kBytes, 3 * kBytes); }
+  RepeatedSamples(const RepeatedSamples&) = delete;
+  RepeatedSamples& operator=(const RepeatedSamples&) = delete;
+  Zov16s* get() const { return reinterpret_cast<Zov16s*>(begin_); }
+
+ private:
+  static constexpr std::size_t kPart = kPeriod * sizeof(Zov16s);
+  static constexpr std::size_t kBytes = std::size_t{1} << 32;
+  std::uint8_t* begin_;
+};
+
+TEST(FirRoute, CountsToTheLongestCall) {
+  const RepeatedSamples source, destination;
+  if (testing::Test::HasFailure()) return;
+  for (std::size_t i = 0; i < RepeatedSamples::kPeriod; ++i) {
+    source.get()[i] = static_cast<Zov16s>(i % 10007);
+  }
+  const int level = zovDispatchIndex;  // for its speed
+  const Filter<common::Fir64fOn16s> filter(level, {-1});
+  ASSERT_EQ(
+      ZOV_AT(level, zovsFIR64f_16s_Sfs)(source.get(), destination.get(), INT_MAX, filter.get(), 0),
+      zovStsNoErr);
+  EXPECT_EQ(filter->pDlyLine[0], source.get()[INT_MAX - 1]);
+  EXPECT_EQ(destination.get()[INT_MAX - 1], -source.get()[INT_MAX - 1]);
+}
+#endif
 
 // Whether a call of a length goes by transforms, which leave their marks in the work block.
 template <class Family>
@@ -256,6 +354,11 @@ TEST(FirOutput, ScaleFactorsAtTheirLimits) {
           << scaleFactor;
     }
     EXPECT_EQ(Scaled(level, 7, 1, INT_MIN), 7);
+    // Past its field the exponent reaches the sign: minus infinity, a negative factor, minus 0.
+    EXPECT_EQ(Scaled(level, 7, 1, 1024), wholeFactor ? -32768 : 7);
+    EXPECT_EQ(Scaled(level, 7, 0, 1025), 0);
+    EXPECT_EQ(Scaled(level, 0x1p-1020, 1, 1025), wholeFactor ? -8 : 0);
+    EXPECT_EQ(Scaled(level, 7, 1, -1025), wholeFactor ? 0 : 14);
   });
 }
 
@@ -287,9 +390,11 @@ void CheckMemory(int level, bool wide) {
   std::vector<typename Family::Sample> x(9000);
   for (int fail = 1; fail <= (wide ? 1 : 3); ++fail) {
     const CountedHeap heap(fail);
-    ZovFIRState* state = nullptr;
+    ZovFIRState other;
+    ZovFIRState* state = &other;
     const ZovStatus expected = wide || fail == 3 ? zovStsMemAllocErr : zovStsNullPtrErr;
     EXPECT_EQ(Exports<Family>::Init(level)(&state, taps.data(), 1000, nullptr), expected) << fail;
+    EXPECT_EQ(state, nullptr);
     EXPECT_EQ(blocks, 0);
   }
   const CountedHeap heap(0);
@@ -302,6 +407,13 @@ void CheckMemory(int level, bool wide) {
       Exports<Family>::Run(level, x.data(), x.data() + 4500, len / 2, filter.get());
     }
     EXPECT_EQ(allocations, made);
+    // A state without memory of its own is left alone.
+    filter->ownsMemory = 0;
+    EXPECT_EQ(Exports<Family>::Free(level)(filter.get()), zovStsNoErr);
+    EXPECT_EQ(blocks, wide ? 1 : 2);
+    EXPECT_EQ(Exports<Family>::Run(level, x.data(), x.data() + 4500, 4500, filter.get()),
+              zovStsNoErr);
+    filter->ownsMemory = 1;
   }
   EXPECT_EQ(blocks, 0);
 }
@@ -374,7 +486,7 @@ TEST(FirState, RecordHasTheTablesOfItsLevel) {
 TEST(FirState, AccessorsReadAndWrite) {
   ForEachLevel([](int level) {
     const std::vector<float> taps = {1, 2, 3, 4, 5};
-    const auto check = [&](auto filter, auto get, auto set, auto zero) {
+    const auto check = [&](auto filter, auto run, auto get, auto set, auto zero) {
       using Samples = std::vector<decltype(zero)>;
       Samples line(5, 7);
       const Samples written = {5, -4, 3, -2, 1};
@@ -383,6 +495,15 @@ TEST(FirState, AccessorsReadAndWrite) {
       EXPECT_EQ(set(filter, written.data()), zovStsNoErr);
       EXPECT_EQ(get(filter, line.data()), zovStsNoErr);
       EXPECT_EQ(line, written);
+      // In the middle of a stream, too.
+      Samples x = {10, 20}, y(2);
+      for (int repeat = 0; repeat < 2; ++repeat) {
+        EXPECT_EQ(set(filter, written.data()), zovStsNoErr);
+        EXPECT_EQ(run(x.data(), y.data(), 2, filter), zovStsNoErr);
+        EXPECT_EQ(y, (Samples{10, 54}));
+        EXPECT_EQ(get(filter, line.data()), zovStsNoErr);
+        EXPECT_EQ(line, (Samples{20, 10, 5, -4, 3}));
+      }
       EXPECT_EQ(set(filter, nullptr), zovStsNoErr);
       EXPECT_EQ(get(filter, line.data()), zovStsNoErr);
       EXPECT_EQ(line, Samples(5));
@@ -394,12 +515,13 @@ TEST(FirState, AccessorsReadAndWrite) {
       EXPECT_EQ(set(other.get(), line.data()), zovStsContextMatchErr);
     };
     const Filter<common::Fir32f> single(level, taps);
-    check(single.get(), ZOV_AT(level, zovsFIRGetDlyLine_32f), ZOV_AT(level, zovsFIRSetDlyLine_32f),
+    check(single.get(), ZOV_AT(level, zovsFIR_32f), ZOV_AT(level, zovsFIRGetDlyLine_32f),
+          ZOV_AT(level, zovsFIRSetDlyLine_32f), Zov32f{});
+    check(Filter<common::Fir64f>(level, taps).get(), ZOV_AT(level, zovsFIR_64f),
+          ZOV_AT(level, zovsFIRGetDlyLine_64f), ZOV_AT(level, zovsFIRSetDlyLine_64f), Zov64f{});
+    check(Filter<common::Fir64fOn32f>(level, taps).get(), ZOV_AT(level, zovsFIR64f_32f),
+          ZOV_AT(level, zovsFIRGetDlyLine64f_32f), ZOV_AT(level, zovsFIRSetDlyLine64f_32f),
           Zov32f{});
-    check(Filter<common::Fir64f>(level, taps).get(), ZOV_AT(level, zovsFIRGetDlyLine_64f),
-          ZOV_AT(level, zovsFIRSetDlyLine_64f), Zov64f{});
-    check(Filter<common::Fir64fOn32f>(level, taps).get(), ZOV_AT(level, zovsFIRGetDlyLine64f_32f),
-          ZOV_AT(level, zovsFIRSetDlyLine64f_32f), Zov32f{});
     std::vector<float> read(5);
     const auto getTaps = ZOV_AT(level, zovsFIRGetTaps_32f);
     EXPECT_EQ(getTaps(single.get(), read.data()), zovStsNoErr);
@@ -415,12 +537,13 @@ template <class Family, class Other>
 void CheckStatuses(int level) {
   typename Family::Tap tap = 1;
   typename Family::Sample x = 3, y = 0;
-  ZovFIRState* none = nullptr;
+  ZovFIRState untouched;
+  ZovFIRState* none = &untouched;
   const auto init = Exports<Family>::Init(level);
   EXPECT_EQ(init(nullptr, &tap, 0, nullptr), zovStsNullPtrErr);
   EXPECT_EQ(init(&none, nullptr, 0, nullptr), zovStsNullPtrErr);
   EXPECT_EQ(init(&none, &tap, 0, nullptr), zovStsFirLenErr);
-  EXPECT_EQ(none, nullptr);
+  EXPECT_EQ(none, &untouched);
   const Filter<Family> filter(level, {2});
   const Filter<Other> other(level, {2});
   const auto run = Exports<Family>::Run;
@@ -445,9 +568,11 @@ TEST(FirState, Statuses) {
     CheckStatuses<common::Fir64fOn16s, common::Fir32f>(level);
     // Longer than any transform: refused before a tap is read.
     Zov32f tap = 1;
-    ZovFIRState* state = nullptr;
+    ZovFIRState other;
+    ZovFIRState* state = &other;
     EXPECT_EQ(ZOV_AT(level, zovsFIRInitAlloc_32f)(&state, &tap, INT_MAX, nullptr),
               zovStsNullPtrErr);
+    EXPECT_EQ(state, nullptr);
   });
 }
 

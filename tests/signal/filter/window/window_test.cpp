@@ -161,6 +161,17 @@ TEST(Window, ShortSamples) {
       ASSERT_EQ(three[1], 123);
       ASSERT_EQ(three[2], static_cast<Zov16s>(static_cast<Zov32f>((-1 - x) * factor)));
     }
+    // A quarter of the way the cosine vanishes: ties, which level 0 cuts off. In a vector and
+    // alone.
+    for (const std::size_t n : {5, 17}) {
+      for (const auto& [x, even] : {std::pair{75, 40}, {-75, -40}, {125, 68}, {-125, -68}}) {
+        std::vector<Zov16s> samples(n, static_cast<Zov16s>(x));
+        window(samples.data(), static_cast<int>(n));
+        for (const std::size_t i : {n / 4, n - 1 - n / 4}) {
+          ASSERT_EQ(samples[i], level == 0 ? static_cast<Zov16s>(x * 27 / 50) : even) << n;
+        }
+      }
+    }
     EXPECT_EQ(window(nullptr, 2), zovStsNullPtrErr);
     Zov16s two[] = {5, 6};
     EXPECT_EQ(window(two, 2), zovStsSizeErr);
