@@ -22,6 +22,10 @@ void OutputNarrow::operator()(const Zov64f* sums, Zov32f* to, std::int64_t count
                                         _mm_cvtpd_ps(_mm_loadu_pd(sums + i + 2))));
 #endif
   }
+#if defined(__AVX__)
+  // The compiler sees no wide result, but the processor counts a wide source.
+  _mm256_zeroupper();
+#endif
   for (; i < count; ++i) to[i] = static_cast<Zov32f>(sums[i]);
 }
 
