@@ -30,6 +30,13 @@ struct Smallest {
   }
 };
 
+// The zero that stands first in an array that holds one.
+template <class T>
+ZOV_NOINLINE T FirstZero(const T* pSrc) {
+  while (pSrc[0] != 0) ++pSrc;
+  return pSrc[0];
+}
+
 // Four running bests of one order, so that the latency of a comparison is hidden.
 constexpr int kChains = 4;
 
@@ -42,20 +49,39 @@ class RunningBest {
     for (V& best : best_) best = V::Broadcast(first);
   }
   ZOV_INLINE void Take(int chain, V x) { best_[chain] = Order::Better(x, best_[chain]); }
-  ZOV_INLINE T Result() const {
+  ZOV_INLINE T Result([[maybe_unused]] const T* pSrc) const {
     const V low = Order::Better(best_[1], best_[0]);
     const V all = Order::Better(Order::Better(best_[3], best_[2]), low);
-    if constexpr (sizeof(T) == 2) return BestOfShorts(all);
-    T lanes[V::kLanes];
-    all.Store(lanes);
-    T best = lanes[0];
-    for (int i = 1; i < V::kLanes; ++i) {
-      if (Order::IsBetter(lanes[i], best)) best = lanes[i];
+    if constexpr (sizeof(T) == 2) {
+      return BestOfShorts(all);
+    } else {
+      T lanes[V::kLanes];
+      all.Store(lanes);
+      T best = lanes[0];
+      for (int i = 1; i < V::kLanes; ++i) {
+        if (Order::IsBetter(lanes[i], best)) best = lanes[i];
+      }
+      // Zeros of both signs are equal: the first of them stays.
+      return best == 0 && HoldsBothZeros() ? FirstZero(pSrc) : best;
     }
-    return best;
   }
 
  private:
+  template <bool kNegative>
+  static ZOV_INLINE auto ZerosOf(V x) {
+    const auto bits = As<typename V::Mask::Lane>(x);
+    const auto zero = x == V::Zero();
+    return kNegative ? bits & zero : AndNot(bits, zero);
+  }
+  template <bool kNegative>
+  ZOV_INLINE bool HasZeros() const {
+    const auto low = ZerosOf<kNegative>(best_[0]) | ZerosOf<kNegative>(best_[1]);
+    return MoveMask(low | ZerosOf<kNegative>(best_[2]) | ZerosOf<kNegative>(best_[3])) != 0;
+  }
+  ZOV_INLINE bool HoldsBothZeros() const {
+    // No loop over the members, which would keep them in memory.
+    return HasZeros<false>() && HasZeros<true>();
+  }
   // Half against half, down to one.
   static ZOV_INLINE T BestOfShorts(V x) {
     using Half = Vec128<T>;
@@ -108,7 +134,7 @@ ZOV_INLINE ZovStatus FindExtreme(const T* pSrc, int len, T* pResult) {
   }
   RunningBest<T, Order> best(pSrc[0]);
   VisitVectors<Widest<T>>(pSrc, len, [&](int chain, Widest<T> x) { best.Take(chain, x); });
-  *pResult = best.Result();
+  *pResult = best.Result(pSrc);
   return zovStsNoErr;
 }
 
@@ -129,8 +155,9 @@ ZOV_INLINE ZovStatus FindBothExtremes(const T* pSrc, int len, T* pMin, T* pMax) 
     smallest.Take(chain, x);
     largest.Take(chain, x);
   });
-  *pMin = smallest.Result();
-  *pMax = largest.Result();
+  const T min = smallest.Result(pSrc);
+  *pMax = largest.Result(pSrc);
+  *pMin = min;
   return zovStsNoErr;
 }
 

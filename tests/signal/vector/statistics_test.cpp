@@ -190,9 +190,16 @@ ExtremeCase<T> Scan(const T* p, int n) {
   }
   return e;
 }
+// Zeros of different signs differ here: the first of them stays.
 template <class T>
 bool Same(T a, T b) {
-  return a == b || (a != a && b != b);
+  return (a == b && std::signbit(a) == std::signbit(b)) || (a != a && b != b);
+}
+// One of five values from -low on, so that ties stand in every lane; zeros of either sign.
+template <class T>
+T OneOfFive(std::mt19937& random, int low) {
+  const T x = static_cast<T>(static_cast<int>(random() % 5) - low);
+  return x == 0 && random() % 2 != 0 ? -x : x;
 }
 
 TEST(Statistics, ExtremesOfIntegersAndDoubles) {
@@ -212,10 +219,16 @@ TEST(Statistics, ExtremesOfIntegersAndDoubles) {
       ZOV_AT(level, zovsMinMax_16u)(p, n, &min, &max);
       ASSERT_TRUE(min == want.min && max == want.max) << n;
     });
-    WalkArrays<Zov64f>(random, [&](const Zov64f* p, int n) {
+    WalkArrays<Zov64f>(random, [&](Zov64f* p, int n) {
       Zov64f max;
       ZOV_AT(level, zovsMax_64f)(p, n, &max);
       ASSERT_EQ(max, Scan(p, n).max) << n;
+      for (int i = 0; i < n; ++i) {
+        const Zov64f x = OneOfFive<Zov64f>(random, 4);
+        std::memcpy(reinterpret_cast<char*>(p) + 8 * i, &x, 8);
+      }
+      ZOV_AT(level, zovsMax_64f)(p, n, &max);
+      ASSERT_TRUE(Same(max, Scan(p, n).max)) << n;
     });
   });
 }
@@ -238,11 +251,14 @@ TEST(Statistics, ExtremesOfFloatsWithTiesAndNaN) {
       ASSERT_EQ(maxAt, want.maxAt) << n;
       ASSERT_EQ(ZOV_AT(level, zovsMaxIndx_32f)(p, n, &unindexed, nullptr), zovStsNoErr);
       ASSERT_TRUE(Same(unindexed, want.max));
+      ASSERT_EQ(ZOV_AT(level, zovsMinIndx_32f)(p, n, &unindexed, nullptr), zovStsNoErr);
+      ASSERT_TRUE(Same(unindexed, want.min));
     };
-    // Few distinct values make ties in every lane.
     WalkArrays<Zov32f>(random, [&](Zov32f* p, int n) {
+      // A zero is the smallest, the largest or between.
+      const int low = static_cast<int>(random() % 3) * 2;
       for (int i = 0; i < n; ++i) {
-        const Zov32f x = static_cast<Zov32f>(static_cast<int>(random() % 5)) - 2;
+        const Zov32f x = OneOfFive<Zov32f>(random, low);
         std::memcpy(reinterpret_cast<char*>(p) + 4 * i, &x, 4);
       }
       check(p, n);
