@@ -172,7 +172,7 @@ enum ZovCmpOp {
   ZOV_CMP_GREATER = 4 /**< values above the level */
 };
 
-/** Rounding modes of the narrowing conversions; any value above 1 acts as the last. */
+/** Rounding modes of the narrowing conversions; any other value acts as the last. */
 enum ZovRoundMode {
   ZOV_RND_ZERO = 0,     /**< truncation toward zero */
   ZOV_RND_NEAR = 1,     /**< nearest, ties to even */
@@ -802,7 +802,9 @@ KELO_API ZovStatus Kelo_zovsConvert_32f64f(const Zov32f* pSrc, Zov64f* pDst, int
 
 /**
  * @brief pDst[i] = pSrc[i], limited to the finite range of binary32 and rounded.
- * Infinities give the largest finite number of their sign; a NaN stays a NaN.
+ * Infinities give the largest finite number of their sign; a NaN stays a NaN. The value is
+ * converted and then limited, so that an element beyond the range sets the overflow flag of the
+ * thread.
  * @param pSrc source, @p len elements
  * @param pDst destination, @p len elements
  * @param len number of elements
@@ -823,7 +825,8 @@ KELO_API ZovStatus Kelo_zovsConvert_32s16s(const Zov32s* pSrc, Zov16s* pDst, int
 /**
  * @brief pDst[i] = pSrc[i] * 2^-scaleFactor, limited to 16 bits and then rounded.
  * The factor is formed in binary32 and becomes 0 or infinity for extreme scale factors.
- * ::ZOV_RND_NEAR rounds by the current mode of the thread, which is expected to be to nearest.
+ * ::ZOV_RND_NEAR rounds by the current mode of the thread, which is expected to be to nearest. A
+ * NaN, which is also a zero times an infinite factor, gives an unspecified value.
  * @param pSrc source, @p len elements
  * @param pDst destination, @p len elements
  * @param len number of elements
@@ -836,7 +839,10 @@ KELO_API ZovStatus Kelo_zovsConvert_32f16s_Sfs(const Zov32f* pSrc, Zov16s* pDst,
 
 /**
  * @brief pDst[i] = pSrc[i] * 2^-scaleFactor, limited to 16 bits and then rounded.
- * A scale factor outside -1008 to 1022 acts as the nearest of them.
+ * A scale factor outside -1008 to 1022 acts as the nearest of them. ::ZOV_RND_NEAR is to nearest
+ * whatever the mode of the thread from level 1 on; the numbers next above one half in magnitude,
+ * 0.50000000000000011, give 0. ::ZOV_RND_FINANCIAL adds one half with the sign of the value, in
+ * binary64, and truncates: 0.49999999999999994 gives 1. A NaN gives an unspecified value.
  * @param pSrc source, @p len elements
  * @param pDst destination, @p len elements
  * @param len number of elements
@@ -850,7 +856,8 @@ KELO_API ZovStatus Kelo_zovsConvert_64f16s_Sfs(const Zov64f* pSrc, Zov16s* pDst,
 /**
  * @brief Separates interleaved channels: pDst[c][i] = pSrc[i * numChannels + c] * k1 + k2.
  * With k1 = 3.0518044e-5 (1/32767.5) and k2 = 1.5259022e-5 (1/65535) in binary32, each operation
- * rounded, the full range of the source maps to the closed range from -1 to 1.
+ * rounded, the full range of the source maps to the closed range from -1 to 1. When a row overlaps
+ * the source, all rows are written element by element, one row after the other.
  * @param pSrc interleaved source, @p numChannels times @p length elements
  * @param ppDst @p numChannels pointers to rows of @p length elements
  * @param numChannels number of channels
@@ -896,9 +903,11 @@ KELO_API ZovStatus Kelo_zovsMean_16s_Sfs(const Zov16s* pSrc, int len, Zov16s* pM
 /**
  * @brief The mean of the elements times 2^-scaleFactor.
  * With D the division by len rounded half to even: D(sum) for a scale factor of 0; for a positive
- * one D(sum) is shifted right with a second rounding half to even; for a negative one from -31 on
- * D(sum * 2^-scaleFactor) where the sum fits in 32 bits, else D(sum) * 2^-scaleFactor; below,
- * D(sum) saturates by its sign. The result saturates.
+ * one up to 32 D(sum) is shifted right with a second rounding half to even; for a negative one from
+ * -31 on D(sum * 2^-scaleFactor) where the sum fits in 32 bits, else D(sum) * 2^-scaleFactor,
+ * saturated; below, D(sum) saturates by its sign. Scale factors f above 32 are not limited: with
+ * m = D(sum) and s = f mod 64, the result is (m + 2^((f-1) mod 32) + (bit s of m) - 1) >> s, cut to
+ * 32 bits.
  * @param pSrc source, @p len elements
  * @param len number of elements
  * @param pMean receives the mean
@@ -932,7 +941,9 @@ KELO_API ZovStatus Kelo_zovsMean_64f(const Zov64f* pSrc, int len, Zov64f* pMean)
  * @brief The sample standard deviation, in one pass.
  * With S the sum of x, Q the sum of x^2 and n = len: sqrt((n Q - S^2) / ((n - 1) n)) when n Q - S^2
  * is above 0, and 0 otherwise, so that the result is never a NaN. Sums are in binary64; from level
- * 1 on a hint of 1 keeps those of each 1024 elements in binary32.
+ * 1 on a hint of 1 keeps those of each 1024 elements in binary32, unless the source is not aligned
+ * to 4 bytes. Binary32 may overflow (elements of 1e20 give an infinity) and loses a small deviation
+ * beside a large mean (10000 +- 1 gives 0.09). The grouping of the sums differs between levels.
  * @param pSrc source, @p len elements
  * @param len number of elements, 2 or more
  * @param pStdDev receives the deviation
@@ -952,7 +963,7 @@ KELO_API ZovStatus Kelo_zovsMax_16s(const Zov16s* pSrc, int len, Zov16s* pMax);
 
 /**
  * @brief The largest element.
- * A NaN at element 0 stays; any other NaN is passed over.
+ * A NaN at element 0 stays; any other NaN is passed over. Of zeros of both signs the first counts.
  * @param pSrc source, @p len elements
  * @param len number of elements
  * @param pMax receives the value
@@ -962,7 +973,7 @@ KELO_API ZovStatus Kelo_zovsMax_32f(const Zov32f* pSrc, int len, Zov32f* pMax);
 
 /**
  * @brief The largest element.
- * A NaN at element 0 stays; any other NaN is passed over.
+ * A NaN at element 0 stays; any other NaN is passed over. Of zeros of both signs the first counts.
  * @param pSrc source, @p len elements
  * @param len number of elements
  * @param pMax receives the value
@@ -981,7 +992,7 @@ KELO_API ZovStatus Kelo_zovsMin_16s(const Zov16s* pSrc, int len, Zov16s* pMin);
 
 /**
  * @brief The smallest element.
- * A NaN at element 0 stays; any other NaN is passed over.
+ * A NaN at element 0 stays; any other NaN is passed over. Of zeros of both signs the first counts.
  * @param pSrc source, @p len elements
  * @param len number of elements
  * @param pMin receives the value
@@ -1011,7 +1022,7 @@ KELO_API ZovStatus Kelo_zovsMinMax_16u(const Zov16u* pSrc, int len, Zov16u* pMin
 
 /**
  * @brief The smallest and the largest element.
- * A NaN at element 0 stays; any other NaN is passed over.
+ * A NaN at element 0 stays; any other NaN is passed over. Of zeros of both signs the first counts.
  * @param pSrc source, @p len elements
  * @param len number of elements
  * @param pMin receives the smallest
@@ -1022,7 +1033,8 @@ KELO_API ZovStatus Kelo_zovsMinMax_32f(const Zov32f* pSrc, int len, Zov32f* pMin
 
 /**
  * @brief The largest element and the lowest index at which it stands.
- * A NaN at element 0 gives that NaN at index 0; any other NaN is passed over.
+ * A NaN at element 0 gives that NaN at index 0; any other NaN is passed over. Of zeros of both
+ * signs the first counts.
  * @param pSrc source, @p len elements
  * @param len number of elements
  * @param pMax receives the value
@@ -1033,7 +1045,8 @@ KELO_API ZovStatus Kelo_zovsMaxIndx_32f(const Zov32f* pSrc, int len, Zov32f* pMa
 
 /**
  * @brief The smallest element and the lowest index at which it stands.
- * A NaN at element 0 gives that NaN at index 0; any other NaN is passed over.
+ * A NaN at element 0 gives that NaN at index 0; any other NaN is passed over. Of zeros of both
+ * signs the first counts.
  * @param pSrc source, @p len elements
  * @param len number of elements
  * @param pMin receives the value
@@ -1102,10 +1115,12 @@ KELO_API ZovStatus Kelo_zovsNormalize_64f(const Zov64f* pSrc, Zov64f* pDst, int 
  * elements at the end of an array, or near one outside the ordinary range, by another formula of
  * the class.
  *
- * A NaN gives a quiet NaN. An element with a range problem gets the value told at the function, and
- * a positive status at the end tells the problem of the last such element in the order of the
- * array. For the time of a call the floating-point exceptions are masked; at its end the masks are
- * as they were, and no exception flag of the call is left. The rounding mode must be to nearest.
+ * A NaN gives a quiet NaN, except as told at the power functions. An element with a range problem
+ * gets the value told at the function, and a positive status at the end tells the problem of the
+ * last such element in the order of the array. For the time of a call the floating-point exceptions
+ * are masked; at its end the masks are as they were, and no exception flag of the call is left.
+ * Flags that were set before the call may be lost: those of the x87 unit always, those of MXCSR
+ * other than inexact when all of its exceptions were masked. The rounding mode must be to nearest.
  */
 
 /**
@@ -1189,9 +1204,9 @@ KELO_API ZovStatus Kelo_zovsCosh_32f_A11(const Zov32f* pSrc, Zov32f* pDst, int l
 
 /**
  * @brief pDst[i] = e to the power pSrc[i].
- * From 88.722839 on the result is infinite, with ::zovStsOverflowWrn for a finite element. Below
- * -87.336548 it is denormal or zero, with ::zovStsUnderflowWrn for a finite element; zero below
- * -103.27894, at AVX and AVX2 below -103.97208.
+ * From 88.722839 on the result is infinite, with ::zovStsOverflowWrn for a finite element. From
+ * -87.3365478515625 down it is denormal or zero, with ::zovStsUnderflowWrn for a finite element;
+ * zero below -103.27894, at AVX and AVX2 below -103.97208.
  * @param pSrc source, @p len elements
  * @param pDst destination, @p len elements; may equal @p pSrc
  * @param len number of elements
@@ -1360,7 +1375,9 @@ KELO_API ZovStatus Kelo_zovsLn_32f(const Zov32f* pSrc, Zov32f* pDst, int len);
  * @brief pDst[i] = e to the power pSrc[i].
  * From level 1 on it has the accuracy and the special values of a class of 21 bits. At level 0 it
  * is computed in double precision and rounded; a denormal element gives 1, and -87.33655 and below
- * give 0. Overflow and underflow raise no warning.
+ * give 0. A NaN gives a quiet NaN from level 1 on. At level 0 a positive quiet NaN comes back as it
+ * is, a negative one as 0xFFC00000, and a signalling NaN counts as the infinity of its sign.
+ * Overflow and underflow raise no warning.
  * @param pSrc source, @p len elements
  * @param pDst destination, @p len elements; may equal @p pSrc
  * @param len number of elements

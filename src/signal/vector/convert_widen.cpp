@@ -87,8 +87,8 @@ struct ScaleSample {
 
 // Both channels of interleaved pairs at once: a 32-bit lane holds the first in its low half.
 ZOV_INLINE void SplitPairs(const ScaleSample& scale, const Zov16s* pSrc, Zov32f* pFirst,
-                           Zov32f* pSecond, int len) {
-  int i = 0;
+                           Zov32f* pSecond, std::ptrdiff_t len) {
+  std::ptrdiff_t i = 0;
 #if defined(__AVX2__)
   for (; len - i >= 8; i += 8) {
     const __m256i x = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pSrc + 2 * i));
