@@ -193,6 +193,14 @@ struct Narrow32f16s {
 #endif
 };
 
+// To nearest is defined by the addition of one half, which takes the numbers next above one half in
+// magnitude to a tie: they give 0. The sums here leave one half in their place and other numbers at
+// their nearest integer. The low half of such a number is 1, whatever it is scaled with.
+ZOV_INLINE VecD WithoutNextToHalf(VecD x) {
+  const VecD half = VecD::Broadcast(0.5);
+  return ((x + half) - VecD::Broadcast(1.0)) + half;
+}
+
 // From level 1 on the hardware rounds to nearest, in the mode that the routine sees to.
 template <int kRound, bool kScaled>
 struct Narrow64f16s {
@@ -212,6 +220,7 @@ struct Narrow64f16s {
       x = x & As<double>(x == x);
       x = Max(VecD::Broadcast(-32768.0), Min(VecD::Broadcast(32767.0), x));
     }
+    if constexpr (kByHardware && kLimited) return WithoutNextToHalf(x);
     if constexpr (kRound == ZOV_RND_ZERO || kByHardware) return x;
     const VecD sign = x & VecD::Broadcast(-0.0);
     const VecD biased = x + (sign | VecD::Broadcast(0.5));
@@ -247,13 +256,25 @@ struct Narrow64f16s {
     }
 #endif
   }
+  // All ones in some lane if a number may be next to one half.
+  static ZOV_INLINE __m128i NextToHalf(const Zov64f* pSrc) {
+    // The high half is one of a NaN.
+    const __m128i pattern = _mm_set1_epi64x(0x7FF0000000000001);
+    __m128i found = _mm_setzero_si128();
+    for (int i = 0; i < kStep; i += 2) {
+      const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pSrc + i));
+      found = _mm_or_si128(found, _mm_cmpeq_epi32(x, pattern));
+    }
+    return found;
+  }
   // The pack saturates what fits in 32 bits. For a NaN and what lies outside, the hardware answers
   // with its least integer; the block is then converted again, limited first.
   ZOV_INLINE void Block(const Zov64f* pSrc, Zov16s* pDst) const {
     __m128i low = Integers<false>(pSrc);
     __m128i high = Integers<false>(pSrc + 4);
     const __m128i least = _mm_set1_epi32(-0x7FFFFFFF - 1);
-    const __m128i misses = _mm_or_si128(_mm_cmpeq_epi32(low, least), _mm_cmpeq_epi32(high, least));
+    __m128i misses = _mm_or_si128(_mm_cmpeq_epi32(low, least), _mm_cmpeq_epi32(high, least));
+    if constexpr (kByHardware) misses = _mm_or_si128(misses, NextToHalf(pSrc));
     if (__builtin_expect(_mm_movemask_epi8(misses) != 0, 0)) {
       low = Integers<true>(pSrc);
       high = Integers<true>(pSrc + 4);
@@ -261,6 +282,49 @@ struct Narrow64f16s {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(pDst), _mm_packs_epi32(low, high));
   }
 };
+
+#if defined(__AVX2__)
+// To nearest without conversions. Added to this, a number of 16 bits stands as an integer in the
+// low half of the sum; so does 0 for the usual NaN.
+constexpr double kLowHalf = 0x1.8p52;
+
+template <bool kScaled>
+struct Narrow64f16s<ZOV_RND_NEAR, kScaled> {
+  double scale;
+  VecD scales = VecD::Broadcast(scale);
+
+  static constexpr int kStep = 16;
+  static constexpr bool kBlockOnly = true;
+
+  static ZOV_INLINE __m256i LowHalves(VecD a, VecD b) {
+    return (__m256i)_mm256_shuffle_ps((__m256)a.v, (__m256)b.v, 0x88);
+  }
+  // The low halves saturated, in the order 0 1 4 5 8 9 12 13, 2 3 6 7 10 11 14 15.
+  static ZOV_INLINE __m256i PackLowHalves(const VecD (&x)[4]) {
+    return _mm256_packs_epi32(LowHalves(x[0], x[1]), LowHalves(x[2], x[3]));
+  }
+  template <bool kNextToHalf>
+  ZOV_INLINE __m256i Integers(const VecD (&x)[4]) const {
+    VecD y[4];
+    for (int k = 0; k < 4; ++k) {
+      y[k] = kScaled ? x[k] * scales : x[k];
+      y[k] = Max(VecD::Broadcast(-32768.0), Min(VecD::Broadcast(32767.0), y[k]));
+      if constexpr (kNextToHalf) y[k] = WithoutNextToHalf(y[k]);
+      y[k] = y[k] + VecD::Broadcast(kLowHalf);
+    }
+    return _mm256_permutevar8x32_epi32(PackLowHalves(y), _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
+  }
+  ZOV_INLINE void Block(const Zov64f* pSrc, Zov16s* pDst) const {
+    VecD x[4];
+    for (int k = 0; k < 4; ++k) x[k] = VecD::Load(pSrc + 4 * k);
+    __m256i result = Integers<false>(x);
+    const __m256i suspects = _mm256_cmpeq_epi16(PackLowHalves(x), _mm256_set1_epi16(1));
+    if (_mm256_movemask_epi8(suspects) != 0) [[unlikely]]
+      result = Integers<true>(x);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(pDst), result);
+  }
+};
+#endif
 
 // The rounding field of MXCSR: all ones truncate, zeros round to nearest.
 constexpr std::uint32_t kRoundField = 0x6000;

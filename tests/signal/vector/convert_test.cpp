@@ -212,6 +212,69 @@ TEST(Convert, RoundingModesAndScales) {
   });
 }
 
+// One half added with the sign and cut off, and one less at an odd tie: not quite the nearest, as
+// the sum itself is rounded.
+int NearestByAddition(double y) {
+  if (y >= 32767) return 32767;
+  if (y <= -32768) return -32768;
+  const double sum = y + std::copysign(0.5, y);
+  const int whole = static_cast<int>(sum);
+  return whole % 2 != 0 && whole == sum ? whole - (y < 0 ? -1 : 1) : whole;
+}
+
+// Every half and integer with two neighbours on either side, converted elsewhere and in place.
+TEST(Convert, NearestBesideHalvesAndIntegers) {
+  std::vector<Zov64f> centres;
+  for (int i = -65540; i <= 65540; ++i) {
+    double x = std::nextafter(std::nextafter(i / 2.0, -1e9), -1e9);
+    for (int k = 0; k < 5; ++k, x = std::nextafter(x, 1e9)) centres.push_back(x);
+  }
+  const int n = static_cast<int>(centres.size());
+  std::vector<Zov64f> x(centres.size());
+  std::vector<Zov16s> y(centres.size());
+  for (const int f : {0, 7, -3}) {
+    ForEachLevel([&](int level) {
+      for (std::size_t i = 0; i < x.size(); ++i) x[i] = std::ldexp(centres[i], f);
+      const auto convert = ZOV_AT(level, zovsConvert_64f16s_Sfs);
+      ASSERT_EQ(convert(x.data(), y.data(), n, ZOV_RND_NEAR, f), zovStsNoErr);
+      for (std::size_t i = 0; i < x.size(); ++i) {
+        ASSERT_EQ(y[i], NearestByAddition(centres[i])) << std::hexfloat << centres[i];
+      }
+      convert(x.data(), reinterpret_cast<Zov16s*>(x.data()), n, ZOV_RND_NEAR, f);
+      EXPECT_EQ(std::memcmp(x.data(), y.data(), y.size() * sizeof(Zov16s)), 0);
+      const double next = std::ldexp(0x1.0000000000001p-1, f);
+      const double few[3] = {next, -next, 3 * next};
+      convert(few, y.data(), 3, ZOV_RND_NEAR, f);
+      EXPECT_TRUE(y[0] == 0 && y[1] == 0 && y[2] == 2);
+    });
+  }
+}
+
+TEST(Convert, RoundingModeOfTheThread) {
+  std::vector<Zov32f> x;
+  for (int i = -40; i <= 40; ++i) x.push_back(static_cast<Zov32f>(i) / 4);
+  const int n = static_cast<int>(x.size());
+  std::vector<Zov16s> y(x.size());
+  ForEachLevel([&](int level) {
+    const auto convert = ZOV_AT(level, zovsConvert_32f16s_Sfs);
+    for (const std::uint32_t mode : {0x2000u, 0x4000u, 0x6000u}) {  // down, up, toward zero
+      zovCpuSetRoundMode(mode);
+      convert(x.data(), y.data(), n, ZOV_RND_NEAR, 0);
+      const std::vector<Zov16s> near = y;
+      convert(x.data(), y.data(), n, ZOV_RND_FINANCIAL, 0);
+      const std::uint32_t after = zovCpuSetRoundMode(0);
+      EXPECT_EQ(after & 0x6000, mode);
+      for (std::size_t i = 0; i < x.size(); ++i) {
+        const float wanted = mode == 0x2000   ? std::floor(x[i])
+                             : mode == 0x4000 ? std::ceil(x[i])
+                                              : std::trunc(x[i]);
+        ASSERT_EQ(near[i], wanted) << x[i] << " mode " << mode;
+        ASSERT_EQ(y[i], std::round(x[i])) << x[i] << " mode " << mode;
+      }
+    }
+  });
+}
+
 TEST(Convert, OverlapRunsForwards) {
   ForEachLevel([](int level) {
     union {
@@ -263,6 +326,27 @@ TEST(Convert, SplitSeparatesAndScales) {
           ASSERT_EQ(pointers[static_cast<std::size_t>(c)][length], 99);
         }
       }
+    }
+    // A row over the source: element by element, one row after the other.
+    for (const int channels : {1, 2, 3}) {
+      union {
+        Zov16s shorts[128];
+        Zov32f floats[64];
+      } u, v;
+      for (int i = 0; i < 128; ++i) u.shorts[i] = static_cast<Zov16s>(i * 300 - 9000);
+      v = u;
+      Zov32f other[2][20];
+      Zov32f* overlapping[3] = {other[0], other[1], nullptr};
+      const auto place = static_cast<std::size_t>(channels - 1);
+      overlapping[place] = u.floats + 3;
+      for (int i = 0; i < 20; ++i) {
+        const volatile Zov32f product =
+            static_cast<Zov32f>(v.shorts[i * channels + channels - 1]) * 3.0518044e-5f;
+        v.floats[3 + i] = product + 1.5259022e-5f;
+      }
+      EXPECT_EQ(ZOV_AT(level, zovsSplitScaled_16s32f_D2L)(u.shorts, overlapping, channels, 20),
+                zovStsNoErr);
+      EXPECT_EQ(std::memcmp(&u, &v, sizeof u), 0) << channels;
     }
     const Zov16s pair[2] = {-32768, 32767};
     Zov32f row[2] = {7, 7};

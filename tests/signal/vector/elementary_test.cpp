@@ -110,11 +110,18 @@ TEST(Elementary, SpecialValuesOfTheExponential) {
                      -87.33F,
                      1.0F,
                      FloatOf(0x7FC00001),
-                     FloatOf(0xFFC00001)};
+                     FloatOf(0xFFC00001),
+                     kSignallingNaN,
+                     FloatOf(0xFFA00000),
+                     FloatOf(0xC2AEAC4F),
+                     FloatOf(0xC2AEAC50),
+                     FloatOf(0x42B17217),
+                     FloatOf(0x42B17218)};
+  constexpr int kCount = 18;
   ForEachLevel([&](int level) {
-    float y[12];
-    for (const int step : {1, 12}) {  // one by one, and together
-      for (int i = 0; i < 12; i += step) {
+    float y[kCount];
+    for (const int step : {1, kCount}) {  // one by one, and together
+      for (int i = 0; i < kCount; i += step) {
         EXPECT_EQ(ZOV_AT(level, zovsExp_32f)(x + i, y + i, step), zovStsNoErr);
       }
       if (level == 0) {
@@ -123,11 +130,18 @@ TEST(Elementary, SpecialValuesOfTheExponential) {
         EXPECT_EQ(y[3], 0.0F);
         EXPECT_EQ(BitsOf(y[10]), 0x7FC00001U);
         EXPECT_EQ(BitsOf(y[11]), 0xFFC00000U);
+        EXPECT_EQ(y[12], kInf);
+        EXPECT_EQ(BitsOf(y[13]), 0U);
+        EXPECT_EQ(BitsOf(y[15]), 0U);
       } else {
         EXPECT_NEAR(y[0], 1.0F, 2e-7);
         EXPECT_NEAR(y[3] / 0x1p-126F, std::exp(-88.0) / 0x1p-126, 1e-6);
-        EXPECT_TRUE(std::isnan(y[10]));
+        for (const int i : {10, 11, 12, 13}) EXPECT_TRUE(BitsOf(y[i] * 0.0F) & 0x400000) << i;
+        EXPECT_GT(y[15], 0.0F);
       }
+      EXPECT_GE(y[14], 0x1p-126F);
+      EXPECT_TRUE(y[16] > 3.4e38F && y[16] < kInf);
+      EXPECT_EQ(y[17], kInf);
       EXPECT_EQ(y[2], 1.0F);
       EXPECT_EQ(BitsOf(y[4]), 0U);
       EXPECT_EQ(y[5], kInf);

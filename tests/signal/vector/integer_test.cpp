@@ -268,5 +268,21 @@ TEST(IntegerArithmetic, ChecksAndShortCuts) {
   });
 }
 
+TEST(IntegerArithmetic, NothingIsWrittenWhereNothingChanges) {
+  const GuardedPages pages(4096);
+  pages.Protect(true);
+  Zov16u* const u = reinterpret_cast<Zov16u*>(pages.begin());
+  Zov16s* const s = reinterpret_cast<Zov16s*>(pages.begin());
+  ForEachLevel([&](int level) {
+    EXPECT_EQ(ZOV_AT(level, zovsAddC_16u_ISfs)(0, u, 100, 0), zovStsNoErr);
+    EXPECT_EQ(ZOV_AT(level, zovsSubC_16u_ISfs)(0, u, 100, 0), zovStsNoErr);
+    EXPECT_EQ(ZOV_AT(level, zovsSubC_16s_I)(0, s, 100), zovStsNoErr);
+    EXPECT_EQ(ZOV_AT(level, zovsMulC_16s_I)(1, s, 100), zovStsNoErr);
+    EXPECT_EQ(ZOV_AT(level, zovsLShiftC_16u_I)(0, u, 100), zovStsNoErr);
+    EXPECT_EQ(ZOV_AT(level, zovsRShiftC_16u_I)(0, u, 100), zovStsNoErr);
+  });
+  pages.Protect(false);
+}
+
 }  // namespace
 }  // namespace zov::test

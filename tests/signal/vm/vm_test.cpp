@@ -219,6 +219,50 @@ TEST(VectorMaths, StatusTellsTheLastBadElement) {
   }
 }
 
+// The last argument of one kind and the first of the next, alone and in a block.
+TEST(VectorMaths, LimitsOfTheRange) {
+  constexpr float kLeast = 0x1p-149F;
+  struct Limit {
+    decltype(&zovTable_zovsExp_32f_A11) table;
+    std::uint32_t x;
+    ZovStatus status;
+    float from, to;  // where the result lies
+    int firstLevel = 0, lastLevel = 6;
+  };
+  const auto exp = &zovTable_zovsExp_32f_A11;
+  const auto sinh = &zovTable_zovsSinh_32f_A11;
+  const auto cosh = &zovTable_zovsCosh_32f_A11;
+  const Limit limits[] = {
+      {exp, 0x42AEAC50, zovStsNoErr, 8.5e37F, 8.53e37F},
+      {exp, 0x42B17217, zovStsNoErr, 3.4e38F, 3.4028235e38F},
+      {exp, 0x42B17218, zovStsOverflowWrn, kInf, kInf},
+      {exp, 0xC2AEAC4F, zovStsNoErr, 1.1754e-38F, 1.1760e-38F},
+      {exp, 0xC2AEAC50, zovStsUnderflowWrn, 1.1749e-38F, 1.1756e-38F},
+      {exp, 0xC2CE8ED1, zovStsUnderflowWrn, kLeast, kLeast, 0, 4},
+      {exp, 0xC2CE8ED2, zovStsUnderflowWrn, 0, 0, 0, 4},
+      {exp, 0xC2CFF1B4, zovStsUnderflowWrn, kLeast, kLeast, 5, 6},
+      {exp, 0xC2CFF1B5, zovStsUnderflowWrn, 0, 0, 5, 6},
+      {sinh, 0x42B2D4FC, zovStsNoErr, 3.4e38F, 3.4028235e38F},
+      {sinh, 0x42B2D4FD, zovStsOverflowWrn, kInf, kInf},
+      {sinh, 0xC2B2D4FC, zovStsNoErr, -3.4028235e38F, -3.4e38F},
+      {sinh, 0xC2B2D4FD, zovStsOverflowWrn, -kInf, -kInf},
+      {cosh, 0xC2B2D4FC, zovStsNoErr, 3.4e38F, 3.4028235e38F},
+      {cosh, 0xC2B2D4FD, zovStsOverflowWrn, kInf, kInf},
+  };
+  for (const Limit& limit : limits) {
+    ForEachLevel([&](int level) {
+      if (level < limit.firstLevel || level > limit.lastLevel) return;
+      for (const std::size_t n : {1U, 16U}) {
+        std::vector<float> x(n, 0.5F), y(n);
+        x[n / 2] = FloatOf(limit.x);
+        EXPECT_EQ((*limit.table)[level](x.data(), y.data(), static_cast<int>(n)), limit.status)
+            << x[n / 2];
+        EXPECT_TRUE(y[n / 2] >= limit.from && y[n / 2] <= limit.to) << x[n / 2] << ": " << y[n / 2];
+      }
+    });
+  }
+}
+
 TEST(VectorMaths, CeilAndFloorAreExact) {
   std::vector<float> x = SampledArguments();
   for (int i = -200; i < 200; ++i) {
@@ -271,6 +315,44 @@ TEST(VectorMaths, ExpAtTheLowestLevelIsTheTableFormula) {
   }
 }
 
+// From AVX on single elements, and blocks with a special element, take a short formula in single
+// precision, one rounding each.
+TEST(VectorMaths, ExpOfSingleElementsIsTheShortFormula) {
+  std::vector<float> x, y(16);
+  for (int i = -8720; i <= 8720; i += 7) x.push_back(static_cast<float>(i) * 0.01F);
+  for (const int level : {5, 6}) {
+    if (level > zovDispatchIndex) continue;
+    const auto exp = ZOV_AT(level, zovsExp_32f_A11);
+    for (std::size_t first = 0; first + 15 < x.size(); first += 15) {
+      std::vector<float> block(x.begin() + static_cast<std::ptrdiff_t>(first),
+                               x.begin() + static_cast<std::ptrdiff_t>(first + 16));
+      block[first % 16] = kNaN;
+      exp(block.data(), y.data(), 16);
+      for (std::size_t i = 0; i < 16; ++i) {
+        if (i == first % 16) continue;
+        const float at = block[i];
+        const volatile float scaled = at * 1.442695F;
+        const volatile float u = scaled + 12582912.0F;
+        const volatile float m = u - 12582912.0F;
+        const volatile float high = m * 0.69314575F;
+        const volatile float low = m * 1.4286068e-06F;
+        const volatile float rest = at - high;
+        const volatile float r = rest - low;
+        volatile float p = 0.0083811125F;
+        for (const float c : {0.041917525F, 0.16666326F, 0.4999887F, 1.0000001F, 1.0000001F}) {
+          const volatile float product = p * r;
+          p = product + c;
+        }
+        const float value = std::ldexp(at == 0 ? 1.0F : p, static_cast<int>(m));
+        ASSERT_EQ(BitsOf(y[i]), BitsOf(value)) << at << " level " << level;
+        float alone;
+        exp(&at, &alone, 1);
+        ASSERT_EQ(BitsOf(alone), BitsOf(value)) << at << " level " << level;
+      }
+    }
+  }
+}
+
 TEST(VectorMaths, ArgumentChecksComeInOrderAndWriteNothing) {
   float x[4] = {}, y[4] = {7, 7, 7, 7};
   ForEachLevel([&](int level) {
@@ -299,7 +381,7 @@ TEST(VectorMaths, EnvironmentComesBackAsItWas) {
   std::vector<float> y(x.size());
   const int n = static_cast<int>(x.size());
   const unsigned before = _mm_getcsr();
-  for (const unsigned control : {0x1F80U, 0x0000U, 0x1D80U, 0x1FA0U}) {
+  for (const unsigned control : {0x1F80U, 0x0000U, 0x1D80U, 0x1FA0U, 0x1D84U, 0x002CU}) {
     for (const UnaryFunction& function : kUnaryFunctions) {
       ForEachLevel([&](int level) {
         for (int c = 0; c < 3; ++c) {
@@ -323,6 +405,11 @@ TEST(VectorMaths, EnvironmentComesBackAsItWas) {
     _mm_setcsr(before);
     EXPECT_EQ(untouched, 0x1F80U | 0x24);
     EXPECT_EQ(cleared, 0x1F80U | 0x20);
+    // So are those of the x87 unit.
+    asm volatile("fld1\n fchs\n fsqrt\n fstp %%st(0)" ::: "st");
+    EXPECT_NE(zovCpuGetX87Status() & 0x3F, 0U);
+    ZOV_AT(level, zovsSin_32f_A11)(x.data(), y.data(), n);
+    EXPECT_EQ(zovCpuGetX87Status() & 0x3F, 0U);
   });
 }
 
