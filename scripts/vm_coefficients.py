@@ -129,8 +129,7 @@ def build():
                        degree)
 
     # 2^f = 1 + f P(f), |f| <= 1/2
-    for name, degree, kind in (("Exp2A11", 2, "float"), ("Exp2WideA11", 2, "double"),
-                               ("Exp2A24", 5, "double")):
+    for name, degree, kind in (("Exp2A11", 2, "float"), ("Exp2A24", 5, "double")):
         fit(name, "2^f = 1 + f P(f), |f| <= 1/2", minimax(exp2_rest, exp_weight, -half, half, degree), kind)
     fit("ExpA21", "e^r = 1 + r P(r), |r| <= ln 2 / 2",
         minimax(lambda r: (exp(r) - 1) / r, lambda r: abs(r) / exp(r), -LN2 / 2, LN2 / 2, 4))

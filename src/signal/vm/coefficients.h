@@ -8,9 +8,6 @@ namespace zov::ZOV_LEVEL_NAMESPACE {
 
 // 2^f = 1 + f P(f), |f| <= 1/2; 13.3
 constexpr float kExp2A11[] = {0x1.62f5fap-1F, 0x1.f00c42p-3F, 0x1.c2a22p-5F};
-// 2^f = 1 + f P(f), |f| <= 1/2; 13.3
-constexpr double kExp2WideA11[] = {0x1.62f5fa7fb0c3dp-1, 0x1.f00c416c649bdp-3,
-                                   0x1.c2a21f4140861p-5};
 // 2^f = 1 + f P(f), |f| <= 1/2; 28.9
 constexpr double kExp2A24[] = {0x1.62e430af2a852p-1, 0x1.ebfbdc3c44cd7p-3,  0x1.c6aee88c3e17fp-5,
                                0x1.3b2d4cca2339cp-7, 0x1.5f3e5392b88a3p-10, 0x1.41fbde7a8c4ep-13};

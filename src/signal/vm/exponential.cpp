@@ -42,12 +42,16 @@ struct WideExp {
                    Splat(0.24022646890634758);
     return Scale(odd * f + Splat(1.0000000005541663) + even * s, shifted);
   }
-  // The first terms of the polynomial are enough for the A11 class. Where 2^k leaves the exponents
-  // the element is special, and this result is dropped.
+#if !defined(__AVX__)
+  // The reduction needs double precision, the polynomial of the A11 class does not. Where 2^k
+  // leaves the exponents the element is special, and this result is dropped.
   static ZOV_INLINE F Result(F x) {
-    const auto [shifted, f] = Power(ToDouble(x));
-    return ToFloat(Scale(Fma(f, Polynomial(f, kExp2WideA11), Splat(1.0)), shifted));
+    const auto [wide, f] = Power(ToDouble(x));
+    const F shifted{_mm_shuffle_ps(As<float>(wide.a).v, As<float>(wide.b).v, 0x88)};
+    const F r = ToFloat(f);
+    return Scale(Fma(r, Polynomial(r, kExp2A11), Splat(1.0F)), shifted);
   }
+#endif
   static ZOV_INLINE double ResultAlone(float x) { return Extended(Splat(double{x})).a.v[0]; }
 };
 

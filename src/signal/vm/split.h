@@ -24,7 +24,10 @@ ZOV_INLINE void MarkNotNormal(I& special, F x) {
   const auto below = _mm256_cmp_ps(x.v, Splat(0x1p-126F).v, _CMP_NGE_UQ);
   special = special | I{(I::Native)below} | IsAbove(x, 0x1.fffffep127F);
 #else
-  special = special | (Bits(x) + Splat(0x800000) < Splat(0x1000000));
+  // With a limit that it knows, the compiler would make two instructions of the comparison.
+  I limit = Splat(0x1000000);
+  asm("" : "+x"(limit.v));
+  special = special | (limit > Bits(x) + Splat(0x800000));
 #endif
 }
 
