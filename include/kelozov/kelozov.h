@@ -20,9 +20,10 @@
  * Every primitive tests its arguments before it touches any element, and stops at the first test
  * that fails: every pointer against null (::zovStsNullPtrErr), the identity tag of a state object
  * (::zovStsContextMatchErr), the length (below 1: ::zovStsSizeErr), and then the parameters of the
- * operation. An error from these tests means that nothing was written. A warning (a positive
- * status) means that the output is complete, except for the two resize warnings
- * ::zovStsNoOperationWrn and ::zovStsResizeRoiWrn, which mean that nothing was written.
+ * operation, unless its description lists the statuses in another order. An error from these tests
+ * means that nothing was written. A warning (a positive status) means that the output is complete,
+ * except for the two resize warnings ::zovStsNoOperationWrn and ::zovStsResizeRoiWrn, which mean
+ * that nothing was written.
  *
  * Aliasing: an in-place form takes one array once. An element-wise primitive also accepts a
  * destination that equals a source of the same element type. Arrays that overlap in another way are
@@ -1869,7 +1870,8 @@ typedef struct ZovFFTSpec_R_32f ZovFFTSpec_R_32f;
  * @brief Makes the object for real transforms of N = 2^order values of `Zov32f`.
  * The object is immutable: any number of threads may use it at once, each with its own work buffer.
  * 1/N is 1.0f divided by (float)N; 1/sqrt(N) is computed in double and rounded.
- * @param ppSpec receives the object, to be released with Kelo_zovsFFTFree_R_32f()
+ * @param ppSpec receives the object, to be released with Kelo_zovsFFTFree_R_32f(), or null if
+ * memory is lacking
  * @param order log2 of N, from 0 to 29 (28 at level SSE2)
  * @param flag one of the normalisation flags, ::ZOV_FFT_SCALE_FWD to ::ZOV_FFT_SCALE_NONE
  * @param hint stored and not read
@@ -1925,7 +1927,8 @@ typedef struct ZovFFTSpec_R_64f ZovFFTSpec_R_64f;
  * @brief Makes the object for real transforms of N = 2^order values of `Zov64f`.
  * The object is immutable: any number of threads may use it at once, each with its own work buffer.
  * Both are computed in double.
- * @param ppSpec receives the object, to be released with Kelo_zovsFFTFree_R_64f()
+ * @param ppSpec receives the object, to be released with Kelo_zovsFFTFree_R_64f(), or null if
+ * memory is lacking
  * @param order log2 of N, from 0 to 28 (27 at level SSE2)
  * @param flag one of the normalisation flags, ::ZOV_FFT_SCALE_FWD to ::ZOV_FFT_SCALE_NONE
  * @param hint stored and not read
@@ -2048,9 +2051,9 @@ KELO_API ZovStatus Kelo_zovsWinHamming_16s_I(Zov16s* pSrcDst, int len);
  *
  * The taps of a linear-phase filter by the window method: the ideal impulse response of a low-pass,
  * high-pass, band-pass or band-stop filter, cut to @p tapsLen elements about its middle and
- * multiplied by a window. Frequencies are in units of the sampling rate, between 0 and 0.5. With d
- * the distance from the middle, a whole number for odd lengths and half of an odd one for even
- * lengths, and s(f) = sin(2 pi f d):
+ * multiplied by a window. Frequencies are in units of the sampling rate, above 0 and below 0.5; a
+ * NaN is not refused and makes NaNs of the taps. With d the distance from the middle, a whole
+ * number for odd lengths and half of an odd one for even lengths, and s(f) = sin(2 pi f d):
  *
  * | Design | Tap at distance d | Centre of an odd length |
  * |---|---|---|
@@ -2069,7 +2072,7 @@ KELO_API ZovStatus Kelo_zovsWinHamming_16s_I(Zov16s* pSrcDst, int len);
  * makes the taps infinite.
  *
  * Sines and cosines come from a recurrence, the same at every level: with edges from 0.01 to 0.49
- * and no normalisation, taps are within 4e-16 + 2e-17 tapsLen of the formula.
+ * and no normalisation, taps are within 6e-16 + 5e-17 tapsLen of the formula.
  *
  * The window is one of ::ZovWinType; any other value means none. The call allocates memory for
  * tapsLen / 2 + 1 values, twice with two edges, and releases it.
@@ -2084,8 +2087,8 @@ KELO_API ZovStatus Kelo_zovsWinHamming_16s_I(Zov16s* pSrcDst, int len);
  * @param tapsLen number of taps, 5 or more
  * @param winType window
  * @param doNormal 0 leaves the gain as it falls, any other value normalises
- * @return ::zovStsNullPtrErr, ::zovStsSizeErr (tapsLen below 5, a frequency outside 0 to 0.5, or
- * edges that do not ascend), ::zovStsNullPtrErr (no memory), ::zovStsNoErr
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (tapsLen below 5, a frequency not between 0 and 0.5,
+ * or edges that do not ascend), ::zovStsNullPtrErr (no memory), ::zovStsNoErr
  */
 KELO_API ZovStatus Kelo_zovsFIRGenBandpass_64f(Zov64f rLowFreq, Zov64f rHighFreq, Zov64f* pTaps,
                                                int tapsLen, int winType, int doNormal);
@@ -2098,8 +2101,8 @@ KELO_API ZovStatus Kelo_zovsFIRGenBandpass_64f(Zov64f rLowFreq, Zov64f rHighFreq
  * @param tapsLen number of taps, 5 or more
  * @param winType window
  * @param doNormal 0 leaves the gain as it falls, any other value normalises
- * @return ::zovStsNullPtrErr, ::zovStsSizeErr (tapsLen below 5, a frequency outside 0 to 0.5, or
- * edges that do not ascend), ::zovStsNullPtrErr (no memory), ::zovStsNoErr
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (tapsLen below 5, a frequency not between 0 and 0.5,
+ * or edges that do not ascend), ::zovStsNullPtrErr (no memory), ::zovStsNoErr
  */
 KELO_API ZovStatus Kelo_zovsFIRGenBandstop_64f(Zov64f rLowFreq, Zov64f rHighFreq, Zov64f* pTaps,
                                                int tapsLen, int winType, int doNormal);
@@ -2111,7 +2114,7 @@ KELO_API ZovStatus Kelo_zovsFIRGenBandstop_64f(Zov64f rLowFreq, Zov64f rHighFreq
  * @param tapsLen number of taps, 5 or more
  * @param winType window
  * @param doNormal 0 leaves the gain as it falls, any other value normalises
- * @return ::zovStsNullPtrErr, ::zovStsSizeErr (tapsLen below 5, a frequency outside 0 to 0.5),
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (tapsLen below 5, a frequency not between 0 and 0.5),
  * ::zovStsNullPtrErr (no memory), ::zovStsNoErr
  */
 KELO_API ZovStatus Kelo_zovsFIRGenHighpass_64f(Zov64f rFreq, Zov64f* pTaps, int tapsLen,
@@ -2124,7 +2127,7 @@ KELO_API ZovStatus Kelo_zovsFIRGenHighpass_64f(Zov64f rFreq, Zov64f* pTaps, int 
  * @param tapsLen number of taps, 5 or more
  * @param winType window
  * @param doNormal 0 leaves the gain as it falls, any other value normalises
- * @return ::zovStsNullPtrErr, ::zovStsSizeErr (tapsLen below 5, a frequency outside 0 to 0.5),
+ * @return ::zovStsNullPtrErr, ::zovStsSizeErr (tapsLen below 5, a frequency not between 0 and 0.5),
  * ::zovStsNullPtrErr (no memory), ::zovStsNoErr
  */
 KELO_API ZovStatus Kelo_zovsFIRGenLowpass_64f(Zov64f rFreq, Zov64f* pTaps, int tapsLen, int winType,
@@ -2148,12 +2151,14 @@ typedef struct ZovFIRState ZovFIRState;
  * @brief Makes a filter of `Zov32f` taps on `Zov32f` samples.
  * Taps are copied, may all be zero and stay as they are for the life of the state. From 64 taps on
  * the state also holds their spectrum, of a length above 2 and up to 4 times theirs.
- * @param ppState receives the state, to be released with Kelo_zovsFIRFree_32f()
+ * @param ppState receives the state, to be released with Kelo_zovsFIRFree_32f(), or null if it or
+ * its transform cannot be made
  * @param pTaps tapsLen taps h[0], h[1], ...
  * @param tapsLen number of taps, at least 1
  * @param pDlyLine tapsLen samples before the first, the newest first, or null for zeros
- * @return ::zovStsNullPtrErr (@p ppState or @p pTaps; also more taps than the longest transform
- * serves), ::zovStsFirLenErr, ::zovStsMemAllocErr, ::zovStsNoErr
+ * @return ::zovStsNullPtrErr (@p ppState or @p pTaps), ::zovStsFirLenErr, ::zovStsNullPtrErr
+ * (more taps than the longest transform serves, or no memory for the transform),
+ * ::zovStsMemAllocErr, ::zovStsNoErr
  */
 KELO_API ZovStatus Kelo_zovsFIRInitAlloc_32f(ZovFIRState** ppState, const Zov32f* pTaps,
                                              int tapsLen, const Zov32f* pDlyLine);
@@ -2162,7 +2167,8 @@ KELO_API ZovStatus Kelo_zovsFIRInitAlloc_32f(ZovFIRState** ppState, const Zov32f
  * @brief Makes a filter of `Zov64f` taps on `Zov64f` samples.
  * As Kelo_zovsFIRInitAlloc_32f(); the spectrum is there from 64 taps on, at levels SSE2 and SSE3
  * from 32 on, and a filter too long for any transform does without.
- * @param ppState receives the state, to be released with Kelo_zovsFIRFree_64f()
+ * @param ppState receives the state, to be released with Kelo_zovsFIRFree_64f(), or null if
+ * memory is lacking
  * @param pTaps tapsLen taps h[0], h[1], ...
  * @param tapsLen number of taps, at least 1
  * @param pDlyLine tapsLen samples before the first, the newest first, or null for zeros
@@ -2176,7 +2182,8 @@ KELO_API ZovStatus Kelo_zovsFIRInitAlloc_64f(ZovFIRState** ppState, const Zov64f
  * @brief Makes a filter of `Zov64f` taps on `Zov32f` samples.
  * As Kelo_zovsFIRInitAlloc_32f(); the spectrum is there from 64 taps on, at levels SSE2 and SSE3
  * from 32 on, and a filter too long for any transform does without.
- * @param ppState receives the state, to be released with Kelo_zovsFIRFree64f_32f()
+ * @param ppState receives the state, to be released with Kelo_zovsFIRFree64f_32f(), or null if
+ * memory is lacking
  * @param pTaps tapsLen taps h[0], h[1], ...
  * @param tapsLen number of taps, at least 1
  * @param pDlyLine tapsLen samples before the first, the newest first, or null for zeros
@@ -2190,7 +2197,8 @@ KELO_API ZovStatus Kelo_zovsFIRInitAlloc64f_32f(ZovFIRState** ppState, const Zov
  * @brief Makes a filter of `Zov64f` taps on `Zov16s` samples.
  * As Kelo_zovsFIRInitAlloc_32f(); the spectrum is there from 64 taps on, at levels SSE2 and SSE3
  * from 32 on, and a filter too long for any transform does without.
- * @param ppState receives the state, to be released with Kelo_zovsFIRFree64f_16s()
+ * @param ppState receives the state, to be released with Kelo_zovsFIRFree64f_16s(), or null if
+ * memory is lacking
  * @param pTaps tapsLen taps h[0], h[1], ...
  * @param tapsLen number of taps, at least 1
  * @param pDlyLine tapsLen samples before the first, the newest first, or null for zeros
@@ -2335,8 +2343,12 @@ KELO_API ZovStatus Kelo_zovsFIR64f_32f(const Zov32f* pSrc, Zov32f* pDst, int num
  * @brief Filters 16-bit samples in binary64; outputs are scaled, rounded and saturated.
  * The sums are those of Kelo_zovsFIR_64f(). In place the route is chosen once, by numIters.
  * Ties go away from zero at levels SSE2 and SSE3 and to the even neighbour above; there a scaled
- * value of 2^31 and more in magnitude gives -32768, whatever its sign. The scale factor counts
- * modulo 128 in magnitude at levels SSE2, SSE3, AVX and AVX2; 2^-127 is 0 at the last two.
+ * value of 2^31 and more in magnitude gives -32768, whatever its sign. A NaN gives 0 at levels SSE2
+ * and SSE3, -32768 above.
+ * The scale factor counts modulo 128 in magnitude at levels SSE2, SSE3, AVX and AVX2; 2^-127 is 0
+ * at the last two. The other levels take it whole: the sign and the exponent field of
+ * 2^-scaleFactor are 1023 - scaleFactor, modulo 4096. Outside of -1023 to 1022 that makes zeros,
+ * infinities and negative factors.
  * @param pSrc numIters samples
  * @param pDst numIters outputs; the same array as @p pSrc, or apart from it
  * @param numIters number of samples

@@ -97,9 +97,10 @@ void ForEachDesign(Check check) {
       {belowQuarter, 0.25},
       {0.01, 0.49},
       {0.3, belowHalf},
-      // Where short filters of a random search err most.
+      // Where the filters of a random search err most: short ones and long ones.
       {0.10301562314618995, 0.2},
       {0.036069246161229924, 0.047050560704954565},
+      {0.08294921186992936, 0.3073105869865369},
   };
   std::vector<int> lengths = {101, 256, 1000, 1001};
   for (int len = 5; len <= 20; ++len) lengths.push_back(len);
@@ -126,7 +127,7 @@ TEST(FirDesign, TapsAreThoseOfTheFormula) {
     const std::vector<long double> want = Formula(kind, f1, f2, len, window, normal != 0);
     const double sign = kind == kHighpass && len % 2 == 0 ? -1 : 1;
     // A gain far below 1 magnifies the error as it is divided out.
-    const double tolerance = (6e-16 + 2e-17 * len) * (normal != 0 ? 10 : 1);
+    const double tolerance = (6e-16 + 5e-17 * len) * (normal != 0 ? 10 : 1);
     std::vector<Zov64f> first(size);
     ForEachLevel([&](int level) {
       Zov64f* const taps = array.At(size, kGuards[level % 2], level == 4 ? 4 : 0);
