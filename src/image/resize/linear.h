@@ -4,20 +4,10 @@
 
 #include "image/resize/image_view.h"
 #include "image/resize/line_ring.h"
-#include "image/resize/linear_8u.h"
-#include "image/resize/linear_real.h"
+#include "image/resize/linear_half.h"
 #include "image/resize/samples.h"
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
-
-template <class T, int kChannels>
-struct LinearKernelOf {
-  using Type = LinearReal<T>;
-};
-template <int kChannels>
-struct LinearKernelOf<Zov8u, kChannels> {
-  using Type = Linear8u<kChannels>;
-};
 
 template <class T, int kChannels>
 ZOV_INLINE void FillPixels(const T* pixel, Zov8u* dst, int count) {
@@ -36,9 +26,8 @@ struct LinearAxis {
   int interior;
 };
 
-template <class T, int kChannels>
+template <class T, int kChannels, class Kernel>
 class LinearResize {
-  using Kernel = typename LinearKernelOf<T, kChannels>::Type;
   using Line = typename Kernel::Line;
   using Weight = typename Kernel::Weight;
   static constexpr int kPixelBytes = kChannels * static_cast<int>(sizeof(T));
@@ -171,5 +160,17 @@ class LinearResize {
   Kernel kernel_;
   Line* lines_;
 };
+
+template <class T, int kChannels>
+ZOV_NOINLINE void ResizeLinear(SourceView src, TargetView dst, const ResizeGeometry& geometry,
+                               Zov8u* workBuffer) {
+  if (SamplesMiddles(geometry.x) && SamplesMiddles(geometry.y)) {
+    using Kernel = LinearHalf<T, kChannels>;
+    LinearResize<T, kChannels, Kernel>(src, dst, geometry, workBuffer).Run();
+  } else {
+    using Kernel = typename LinearKernelOf<T, kChannels>::Type;
+    LinearResize<T, kChannels, Kernel>(src, dst, geometry, workBuffer).Run();
+  }
+}
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

@@ -66,7 +66,7 @@ ZovStatus Resize(const T* src, int srcStep, T* dst, int dstStep, const ResizeReq
   } else if (mode.method == ZOV_INTERP_AREA) {
     ResizeArea<T, kChannels>(source, target, geometry, request.xFactor * request.yFactor);
   } else if (mode.method == ZOV_INTERP_LINEAR) {
-    LinearResize<T, kChannels>(source, target, geometry, workBuffer).Run();
+    ResizeLinear<T, kChannels>(source, target, geometry, workBuffer);
   } else {
     ResizeByKernel<T, kChannels>(mode.method, source, target, geometry, workBuffer);
   }

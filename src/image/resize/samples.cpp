@@ -1,6 +1,8 @@
 // Sample positions, in double precision throughout.
 #include "image/resize/samples.h"
 
+#include <cmath>
+
 namespace zov {
 
 // Positions rise with the index. Their comparisons put a NaN, which an inverse beyond the range of
@@ -44,6 +46,10 @@ void LinearSamplesInImage(const ResizeAxis& axis, const ResizeBands& bands, int 
     index[i] = axis.extent - 2;
     fraction[i] = 0;
   }
+}
+
+bool SamplesMiddles(const ResizeAxis& axis) {
+  return axis.inverse == 2 && axis.offset == std::floor(axis.offset);
 }
 
 void NearestSamples(const ResizeAxis& axis, int begin, int count, std::int32_t* index) {

@@ -42,6 +42,9 @@ void LinearSamples(const ResizeAxis& axis, int begin, int count, std::int32_t* i
 void LinearSamplesInImage(const ResizeAxis& axis, const ResizeBands& bands, int begin, int count,
                           std::int32_t* index, double* fraction);
 
+// True when the samples of an axis lie in the middle between two pixels, two pixels apart.
+bool SamplesMiddles(const ResizeAxis& axis);
+
 // Source pixel of `count` pixels from the pixel `begin` on.
 void NearestSamples(const ResizeAxis& axis, int begin, int count, std::int32_t* index);
 

@@ -1,4 +1,5 @@
-/* Resizing: a ramp doubled in both directions by each method, and halved by area. */
+/* Resizing: a ramp doubled in both directions by each method, and halved by area
+   and by a widened kernel. */
 #include "smoke.h"
 
 enum { W = 40, H = 30, C = 4 };
@@ -54,22 +55,29 @@ enum { SMOOTH = sizeof smooth / sizeof smooth[0] };
     }                                                                                             \
   } while (0)
 
-/* Blocks of 2 x 2 and areas of 2.5 x 2.5 pixels, of a ramp down the rows. */
-#define REDUCE(T, name, getBufSize, channels)                                                   \
-  do {                                                                                          \
-    static T src[H][W * (channels)], dst[H][W * (channels)];                                    \
-    int bytes = 0;                                                                              \
-    for (int y = 0; y < H; ++y) {                                                               \
-      for (int x = 0; x < W * (channels); ++x) src[y][x] = (T)(2 * y);                          \
-    }                                                                                           \
-    RUN(getBufSize, srcRoi, srcRoi, channels, ZOV_INTERP_AREA, &bytes);                         \
-    EXPECT(bytes > 0 && bytes <= (int)sizeof work);                                             \
-    RUN(name, src[0], size, (int)sizeof src[0], srcRoi, dst[0], (int)sizeof dst[0], srcRoi, .5, \
-        .5, 0, 0, ZOV_INTERP_AREA, work);                                                       \
-    for (int y = 0; y < H / 2; ++y) EACH(W / 2 * (channels), dst[y][i] == (T)(4 * y + 1));      \
-    RUN(name, src[0], size, (int)sizeof src[0], srcRoi, dst[0], (int)sizeof dst[0], srcRoi, .4, \
-        .4, 0, 0, ZOV_INTERP_AREA, work);                                                       \
-    EACH(W * 2 / 5 * (channels), CLOSE(dst[4][i], sizeof(T) == 1 ? 22 : 21.6));                 \
+/* Blocks of 2 x 2 and areas of 2.5 x 2.5 pixels of a ramp down the rows, and a widened kernel. */
+static const ZovImageRect halfRoi = {0, 0, W / 2, H / 2};
+enum { antialiased = ZOV_INTERP_LANCZOS | ZOV_RESIZE_ANTIALIAS };
+#define REDUCE(T, name, getBufSize, channels)                                                    \
+  do {                                                                                           \
+    static T src[H][W * (channels)], dst[H][W * (channels)];                                     \
+    int bytes = 0;                                                                               \
+    for (int y = 0; y < H; ++y) {                                                                \
+      for (int x = 0; x < W * (channels); ++x) src[y][x] = (T)(2 * y);                           \
+    }                                                                                            \
+    RUN(getBufSize, srcRoi, srcRoi, channels, ZOV_INTERP_AREA, &bytes);                          \
+    EXPECT(bytes > 0 && bytes <= (int)sizeof work);                                              \
+    RUN(name, src[0], size, (int)sizeof src[0], srcRoi, dst[0], (int)sizeof dst[0], srcRoi, .5,  \
+        .5, 0, 0, ZOV_INTERP_AREA, work);                                                        \
+    for (int y = 0; y < H / 2; ++y) EACH(W / 2 * (channels), dst[y][i] == (T)(4 * y + 1));       \
+    RUN(name, src[0], size, (int)sizeof src[0], srcRoi, dst[0], (int)sizeof dst[0], srcRoi, .4,  \
+        .4, 0, 0, ZOV_INTERP_AREA, work);                                                        \
+    EACH(W * 2 / 5 * (channels), CLOSE(dst[4][i], sizeof(T) == 1 ? 22 : 21.6));                  \
+    RUN(getBufSize, srcRoi, halfRoi, channels, antialiased, &bytes);                             \
+    EXPECT(bytes > 0 && bytes <= (int)sizeof work);                                              \
+    RUN(name, src[0], size, (int)sizeof src[0], srcRoi, dst[0], (int)sizeof dst[0], halfRoi, .5, \
+        .5, 0, 0, antialiased, work);                                                            \
+    EACH(W / 2 * (channels), dst[H / 4][i] > H - 4 && dst[H / 4][i] < H + 4);                    \
   } while (0)
 
 /* The form without a work buffer writes from the corner of the source rectangle on. */

@@ -68,6 +68,71 @@ TYPED_TEST(ResizePixels, MatchTheReferenceAtTheLimitsOfWindows) {
   });
 }
 
+// Runs a whole image into a whole image of another size.
+template <class Member, class T>
+std::vector<T> ResizeWhole(int level, const std::vector<T>& src, ZovImageSize from, ZovImageSize to,
+                           int method) {
+  const ZovImageRect srcRoi = {0, 0, from.width, from.height};
+  const ZovImageRect dstRoi = {0, 0, to.width, to.height};
+  std::vector<T> dst(static_cast<std::size_t>(to.width * to.height * Member::kChannels));
+  int bytes = 0;
+  EXPECT_EQ(Member::BufferSize(level, srcRoi, dstRoi, method, &bytes), zovStsNoErr);
+  std::vector<Zov8u> buffer(static_cast<std::size_t>(bytes));
+  EXPECT_EQ(
+      Member::At(level)(src.data(), from, from.width * Member::kPixelBytes, srcRoi, dst.data(),
+                        to.width * Member::kPixelBytes, dstRoi, 1.0 * to.width / from.width,
+                        1.0 * to.height / from.height, 0, 0, method, buffer.data()),
+      zovStsNoErr);
+  return dst;
+}
+
+// Reduction by one half has kernels of its own, for the samples in the middle between pixels: bands
+// on either side, parts of images, and extents around the vectors. Halves are exact, so every level
+// has the very value. Shifts that are not whole source pixels take the general form.
+TYPED_TEST(ResizePixels, HalvesExactly) {
+  using Element = typename TypeParam::Element;
+  ForEachLevel([this](int level) {
+    for (int width : {2, 3, 5, 15, 16, 17, 31, 64, 65, 130, 141}) {
+      for (double shift : {0.0, 0.5, -0.5, 1.0, -1.5, 0.25}) {
+        Case c;
+        c.srcSize = {width, 9};
+        c.srcRoi = {width % 5 == 0 ? 1 : 0, 0, width, 9};
+        c.dstSize = {width / 2 + 3, 7};
+        c.dstRoi = {width % 3 == 0 ? 1 : 0, width % 2, c.dstSize.width, c.dstSize.height};
+        c.dstRoi.width -= c.dstRoi.x;
+        c.dstRoi.height -= c.dstRoi.y;
+        c.xFactor = c.yFactor = 0.5;
+        c.xShift = shift;
+        c.yShift = width % 4 == 0 ? 0 : shift;
+        c.interpolation = ZOV_INTERP_LINEAR;
+        this->CheckCase(level, c, zovStsNoErr);
+        if (this->HasFatalFailure()) return;
+      }
+    }
+    if constexpr (sizeof(Element) > 1) {
+      constexpr ZovImageSize kFrom = {54, 6};
+      constexpr ZovImageSize kTo = {27, 3};
+      std::vector<Element> src(kFrom.width * kFrom.height);
+      for (Element& value : src) {
+        value = static_cast<Element>(std::uniform_real_distribution<double>(-9, 9)(this->random_));
+      }
+      const std::vector<Element> dst =
+          ResizeWhole<TypeParam>(level, src, kFrom, kTo, ZOV_INTERP_LINEAR);
+      for (int i = 0; i < kTo.width * kTo.height; ++i) {
+        const auto middle = [](Element p, Element q) {
+          const Element difference = q - p;
+          return p + difference / 2;
+        };
+        const Element* const upper =
+            src.data() + i / kTo.width * 2 * kFrom.width + i % kTo.width * 2;
+        const Element* const lower = upper + kFrom.width;
+        ASSERT_EQ(dst[static_cast<std::size_t>(i)],
+                  middle(middle(upper[0], upper[1]), middle(lower[0], lower[1])));
+      }
+    }
+  });
+}
+
 // Images of several megabytes are written past the cache.
 TYPED_TEST(ResizePixels, MatchTheReferenceOnLargeImages) {
   constexpr int kWidth = 1024;
@@ -91,22 +156,29 @@ TYPED_TEST(ResizePixels, MatchTheReferenceOnLargeImages) {
   });
 }
 
-// Runs a whole image into a whole image of another size.
-template <class Member, class T>
-std::vector<T> ResizeWhole(int level, const std::vector<T>& src, ZovImageSize from, ZovImageSize to,
-                           int method) {
-  const ZovImageRect srcRoi = {0, 0, from.width, from.height};
-  const ZovImageRect dstRoi = {0, 0, to.width, to.height};
-  std::vector<T> dst(static_cast<std::size_t>(to.width * to.height * Member::kChannels));
-  int bytes = 0;
-  EXPECT_EQ(Member::BufferSize(level, srcRoi, dstRoi, method, &bytes), zovStsNoErr);
-  std::vector<Zov8u> buffer(static_cast<std::size_t>(bytes));
-  EXPECT_EQ(
-      Member::At(level)(src.data(), from, from.width * Member::kPixelBytes, srcRoi, dst.data(),
-                        to.width * Member::kPixelBytes, dstRoi, 1.0 * to.width / from.width,
-                        1.0 * to.height / from.height, 0, 0, method, buffer.data()),
-      zovStsNoErr);
-  return dst;
+// The same by one half; a shift puts the vectors off their boundaries.
+TYPED_TEST(ResizePixels, HalvesLargeImages) {
+  constexpr int kWidth = 1024;
+  constexpr int kHeight = (4 << 20) / (kWidth * TypeParam::kPixelBytes) + 5;
+  constexpr std::size_t kBytes = std::size_t{kWidth} * kHeight * TypeParam::kPixelBytes;
+  this->src_.Resize(4 * kBytes + (1 << 18));
+  this->dst_.Resize(kBytes);
+  this->buffer_.Resize(1 << 18);
+  ForEachLevel([this](int level) {
+    for (double shift : {0.0, 0.5}) {
+      Case c;
+      c.srcSize = {2 * kWidth, 2 * kHeight};
+      c.srcRoi = {0, 0, 2 * kWidth, 2 * kHeight};
+      c.dstSize = {kWidth, kHeight};
+      c.dstRoi = {0, 0, kWidth, kHeight};
+      c.xFactor = c.yFactor = 0.5;
+      c.xShift = shift;
+      c.yShift = 0;
+      c.interpolation = ZOV_INTERP_LINEAR;
+      this->CheckCase(level, c, zovStsNoErr, true, 17);
+      if (this->HasFatalFailure()) return;
+    }
+  });
 }
 
 constexpr int kKernels[] = {ZOV_INTERP_CUBIC, ZOV_INTERP_CUBIC_BSPLINE, ZOV_INTERP_CUBIC_CATMULLROM,
