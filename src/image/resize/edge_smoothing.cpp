@@ -20,7 +20,7 @@ double FarCoverage(const ResizeAxis& axis) {
   return fraction + 1e-10 < 1 ? fraction : 0;
 }
 
-// What the sums of an element are formed in.
+// What the sums of an element are formed in; coverages are floats for all.
 template <class T>
 struct RealOf {
   using Type = T;
@@ -52,7 +52,7 @@ template <class T, int kChannels>
 void SmoothRun(bool blends, double coverage, const Run& run) {
   using Real = typename RealOf<T>::Type;
   if (coverage == 0) return;
-  const Real share = static_cast<Real>(coverage);
+  const float share = static_cast<float>(coverage);
   Zov8u* pixel = run.first;
   for (int i = 0; i < run.count; ++i, pixel += run.step) {
     T present[kChannels];
@@ -61,8 +61,8 @@ void SmoothRun(bool blends, double coverage, const Run& run) {
     std::memcpy(written, pixel + run.nearest, sizeof written);
     for (int c = 0; c < kChannels; ++c) {
       const Real value = blends ? static_cast<Real>(present[c]) +
-                                      static_cast<Real>(written[c] - present[c]) * share
-                                : static_cast<Real>(written[c]) * share;
+                                      static_cast<Real>(written[c] - present[c]) * Real{share}
+                                : static_cast<Real>(written[c]) * Real{share};
       present[c] = ToPixel<T>(value);
     }
     std::memcpy(pixel, present, sizeof present);

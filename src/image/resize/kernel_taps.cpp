@@ -12,7 +12,7 @@ namespace {
 
 // ---- Cubic kernels -----------------------------------------------------------------------------
 
-// Each gives the weight at the distance v, up to 1 and from 1 to 2.
+// Each gives the weight at the distance v, below 1 and from 1 to 2.
 struct Lagrange {
   static double Inner(double v) { return (v * 0.5 * v - v - 0.5) * v + 1; }
   static double Outer(double v) { return (-1.0 / 6 * v * v + v - 11.0 / 6) * v + 1; }
@@ -30,12 +30,17 @@ struct Mixed {
   static double Outer(double v) { return ((-23.0 / 60 * v + 2) * v - 3.4) * v + 28.0 / 15; }
 };
 
-// At 1 both forms meet; the inner one gives exactly 0 where the kernel interpolates, so that a
-// resize to the same size copies.
+// At 1 both forms meet but for the last place. Only the inner one of Lagrange is exactly 0 there,
+// so that a resize to the same size copies.
 template <class Shape>
 double CubicAt(double v) {
-  if (v <= 1) return Shape::Inner(v);
+  if (v < 1) return Shape::Inner(v);
   return v < 2 ? Shape::Outer(v) : 0;
+}
+template <>
+double CubicAt<Lagrange>(double v) {
+  if (v <= 1) return Lagrange::Inner(v);
+  return v < 2 ? Lagrange::Outer(v) : 0;
 }
 
 template <class Shape, class Real>

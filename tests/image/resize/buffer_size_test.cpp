@@ -88,6 +88,22 @@ TEST(ResizeBufferSize, TakesProductsIn32Bits) {
   EXPECT_EQ(size, 4 * 65536 + 2 * 8 * 4 * 65536 + 16);
 }
 
+TEST(ResizeBufferSize, RefusesFrom31BitsOn) {
+  ForEachLevel([](int level) {
+    for (int real : {4, 8}) {
+      const auto call =
+          real == 4 ? ZOV_AT(level, zoviResizeGetBufSize) : ZOV_AT(level, zoviResizeGetBufSize_64f);
+      const int most = (1 << 30) / real;  // columns for 2^31 bytes
+      const ZovImageRect any = {0, 0, 1, 1};
+      int size = 1;
+      EXPECT_EQ(call({0, 0, most, 1}, any, 1, ZOV_INTERP_AREA, &size), zovStsSizeErr);
+      EXPECT_EQ(size, 0);
+      EXPECT_EQ(call({0, 0, most - 16, 1}, any, 1, ZOV_INTERP_AREA, &size), zovStsNoErr);
+      EXPECT_EQ(size, 2147483647 - 32 * real + 1 + (level >= 5 ? 32 : 16));
+    }
+  });
+}
+
 TEST(ResizeBufferSize, ChecksInOrder) {
   ForEachLevel([](int level) {
     for (const auto call :

@@ -47,7 +47,8 @@ class EdgeSmoothing : public ResizeTasks<Member> {
     const bool blends = (t.interpolation & ZOV_EDGE_BLEND) != 0;
     const double p = static_cast<double>(nearest);
     const double d = static_cast<double>(before);
-    const double value = share == 0 ? d : share == 1 ? p : blends ? d + (p - d) * share : p * share;
+    const double a = static_cast<double>(static_cast<float>(share));
+    const double value = share == 0 ? d : share == 1 ? p : blends ? d + (p - d) * a : p * a;
     if (share == 0 || share == 1) {
       ASSERT_EQ(actual, static_cast<T>(value)) << "at " << x << "," << y;
     } else if constexpr (sizeof(T) == 1) {

@@ -261,28 +261,91 @@ TYPED_TEST(ResizePixels, AntialiasedKeepsConstantsAtAnyRatio) {
   });
 }
 
+// Halves of 8 bits go up at the lowest level and where a tap reaches past the image, to even
+// elsewhere. All samples lie half-way between two columns.
+TYPED_TEST(ResizePixels, KernelsRoundHalvesByPlaceAndLevel) {
+  using Element = typename TypeParam::Element;
+  if constexpr (sizeof(Element) == 1) {
+    constexpr int kSide = 40;
+    Case c;
+    c.srcSize = c.dstSize = {kSide, kSide};
+    c.srcRoi = c.dstRoi = {0, 0, kSide, kSide};
+    // Pairs of columns, the pairs of rows shifted by one: 10, 11 and 12 around halves that round
+    // either way.
+    const auto value = [](int x, int y) { return 10 + (x / 2 + y / 2) % 3; };
+    std::vector<Element> src(kSide * kSide * TypeParam::kChannels);
+    for (std::size_t i = 0; i < src.size(); ++i) {
+      const int pixel = static_cast<int>(i) / TypeParam::kChannels;
+      src[i] = static_cast<Element>(value(pixel % kSide, pixel / kSide));
+    }
+    ForEachLevel([&](int level) {
+      for (int method : {ZOV_INTERP_CUBIC, ZOV_INTERP_CUBIC_CATMULLROM}) {
+        std::vector<Element> dst(src.size());
+        std::vector<Zov8u> buffer(1 << 16);
+        ASSERT_EQ(TypeParam::At(level)(src.data(), c.srcSize, kSide * TypeParam::kPixelBytes,
+                                       c.srcRoi, dst.data(), kSide * TypeParam::kPixelBytes,
+                                       c.dstRoi, 1, 1, 0.5, 0, method, buffer.data()),
+                  zovStsNoErr);
+        for (std::size_t i = 0; i < dst.size(); ++i) {
+          const int x = static_cast<int>(i) / TypeParam::kChannels % kSide;
+          const int y = static_cast<int>(i) / TypeParam::kChannels / kSide;
+          const auto at = [&](int k) { return value(std::clamp(x + k, 0, kSide - 1), y); };
+          const double mean = (9 * (at(-1) + at(0)) - at(-2) - at(1)) / 16.0;
+          // The sample lies half a pixel before column x.
+          const bool inside = x >= 2 && x < kSide - 1 && y >= 1 && y < kSide - 2;
+          const double rounded =
+              level > 0 && inside ? std::nearbyint(mean) : std::floor(mean + 0.5);
+          ASSERT_EQ(dst[i], rounded) << method << " at " << x << "," << y;
+        }
+      }
+    });
+  }
+}
+
+// Taps at a distance of exactly 1 take the outer piece of the kernel.
+TYPED_TEST(ResizePixels, WholeDistancesTakeTheOuterPiece) {
+  if constexpr (std::is_same_v<TypeParam, Resize64fC1>) {
+    constexpr ZovImageSize kSize = {9, 9};
+    std::vector<double> dot(81);
+    dot[4 * 9 + 4] = 1;
+    ForEachLevel([&](int level) {
+      const auto left = [&](int method) {
+        return ResizeWhole<TypeParam>(level, dot, kSize, kSize, method)[4 * 9 + 3];
+      };
+      EXPECT_EQ(left(ZOV_INTERP_CUBIC_MIXED), (-23.0 / 60 + 2 - 3.4 + 28.0 / 15) * (5.0 / 6));
+    });
+  }
+}
+
 // An infinite pixel shows in the pixels that weigh it, and nowhere else.
 TYPED_TEST(ResizePixels, InfinitePixelsStayWithTheirTaps) {
   using Element = typename TypeParam::Element;
   if constexpr (sizeof(Element) > 1) {
-    ForEachLevel([&](int level) {
-      for (int method : kKernels) {
-        const int reach = KernelRadiusOf(method);
-        for (int at = 0; at < 20; ++at) {
-          std::vector<Element> src(400, Element{1});
-          src[static_cast<std::size_t>(at * 20 + at)] = std::numeric_limits<Element>::infinity();
-          const std::vector<Element> dst =
-              ResizeWhole<TypeParam>(level, src, {20, 20}, {50, 50}, method);
-          for (int i = 0; i < 2500; ++i) {
-            // Fractions are odd tenths, so no weight is 0.
-            const auto weighs = [&](int pixel) {
-              return std::abs((pixel + 0.5) / 2.5 - 0.5 - at) < reach;
-            };
-            ASSERT_NE(std::isfinite(dst[static_cast<std::size_t>(i)]),
-                      weighs(i % 50) && weighs(i / 50))
-                << method << " pixel " << i << " of " << at;
-          }
+    const auto check = [](int level, int method, int side, auto weighs) {
+      for (int at = 0; at < 20; ++at) {
+        std::vector<Element> src(400, Element{1});
+        src[static_cast<std::size_t>(at * 20 + at)] = std::numeric_limits<Element>::infinity();
+        const std::vector<Element> dst =
+            ResizeWhole<TypeParam>(level, src, {20, 20}, {side, side}, method);
+        for (int i = 0; i < side * side; ++i) {
+          ASSERT_NE(std::isfinite(dst[static_cast<std::size_t>(i)]),
+                    weighs(i % side, at) && weighs(i / side, at))
+              << method << " pixel " << i << " of " << at;
         }
+      }
+    };
+    ForEachLevel([&](int level) {
+      for (int method : {ZOV_INTERP_LINEAR, ZOV_INTERP_CUBIC, ZOV_INTERP_CUBIC_BSPLINE,
+                         ZOV_INTERP_CUBIC_CATMULLROM, ZOV_INTERP_CUBIC_MIXED, ZOV_INTERP_LANCZOS}) {
+        // Fractions are odd tenths, so no weight is 0.
+        check(level, method, 50, [reach = KernelRadiusOf(method)](int pixel, int at) {
+          return std::abs((pixel + 0.5) / 2.5 - 0.5 - at) < reach;
+        });
+      }
+      for (int side : {8, 10, 20}) {
+        check(level, ZOV_INTERP_AREA, side, [side](int pixel, int at) {
+          return at * side < (pixel + 1) * 20 && (at + 1) * side > pixel * 20;
+        });
       }
     });
   }

@@ -119,6 +119,21 @@ TYPED_TEST(ResizeStatus, RectanglesOutsideWarnAndWriteNothing) {
   }
 }
 
+// A NaN passes the checks of factors, with every method and flag.
+TYPED_TEST(ResizeStatus, FactorsThatAreNoNumbersCoverNothing) {
+  for (int interpolation :
+       {ZOV_INTERP_AREA | 0, ZOV_INTERP_AREA | ZOV_EDGE_BLEND, ZOV_INTERP_LINEAR | ZOV_EDGE_FADE,
+        ZOV_INTERP_CUBIC | ZOV_EDGE_BLEND, ZOV_INTERP_LANCZOS | ZOV_RESIZE_ANTIALIAS}) {
+    for (double Call::*factor : {&Call::xFactor, &Call::yFactor}) {
+      Call c;
+      c.xFactor = c.yFactor = 1;
+      c.*factor = std::numeric_limits<double>::quiet_NaN();
+      c.interpolation = interpolation;
+      this->Expect(zovStsNoOperationWrn, c);
+    }
+  }
+}
+
 TYPED_TEST(ResizeStatus, AntialiasIsIgnoredByNearest) {
   Call c;
   c.interpolation = ZOV_INTERP_NEAREST | ZOV_RESIZE_ANTIALIAS;
