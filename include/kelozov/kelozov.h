@@ -1581,9 +1581,11 @@ KELO_API ZovStatus Kelo_zovsRShiftC_16u_I(int val, Zov16u* pSrcDst, int len);
  * negative. Source and destination must not overlap.
  *
  * The sample of destination pixel x lies at source index (x + 0.5 - shift) / factor - 0.5 = i + t
- * with 0 <= t < 1. Each axis weighs 2 source pixels (linear), 4 (the cubics, from i - 1 on) or 6
- * (Lanczos, from i - 2 on) by K(distance); the result is the sum over both axes. With v the
- * distance in source pixels, and 0 from the end of the last piece on:
+ * with 0 <= t < 1. ::ZOV_INTERP_NEAREST takes the source pixel (x + 0.5 - shift) / factor - 1e-10
+ * without its fraction, so that a centre on the edge of two pixels goes to the lower one. By the
+ * others each axis weighs 2 source pixels (linear), 4 (the cubics, from i - 1 on) or 6 (Lanczos,
+ * from i - 2 on) by K(distance); the result is the sum over both axes. With v the distance in
+ * source pixels, and 0 from the end of the last piece on:
  * - ::ZOV_INTERP_LINEAR: 1 - v
  * - ::ZOV_INTERP_CUBIC: v^3/2 - v^2 - v/2 + 1, then -v^3/6 + v^2 - 11v/6 + 1 from 1 to 2
  * - ::ZOV_INTERP_CUBIC_BSPLINE: v^3/2 - v^2 + 2/3, then -v^3/6 + v^2 - 2v + 4/3
@@ -1602,14 +1604,16 @@ KELO_API ZovStatus Kelo_zovsRShiftC_16u_I(int val, Zov16u* pSrcDst, int len);
  * weights of Lanczos differ between level 0 and the others in the last place.
  *
  * ::ZOV_INTERP_AREA takes factors up to 1. A destination pixel is the mean of the source under it,
- * each source pixel by its share; the outermost pixels are repeated beyond the image. Where the
- * inverse factors are whole numbers of pixels and the first pixel starts on a pixel edge, each
- * within 1e-7, sums of 8-bit pixels are exact, and the mean, rounded to the nearest, is too up to
- * the last place of the product with the factors. Otherwise sums of `8u` and `32f` are rounded to
- * binary32 after each pixel, and shares of 1e-7 or less are dropped. An inverse factor less than
- * 1e-7 below a whole number counts as one with a remainder, so that a column may be counted twice;
- * dividing a length by a whole number of pixels gives such factors rarely. Levels differ only in
- * that level 6 rounds the product and the sum of an 8-bit result once.
+ * each source pixel by its share; the outermost pixels are repeated beyond the image. If the first
+ * destination pixel would start on the edge of a source pixel before the image (as by the factor
+ * 0.5 and the shift 0.5), all of them start one source pixel earlier. Where the inverse factors are
+ * whole numbers of pixels and the first pixel starts on a pixel edge, each within 1e-7, sums of
+ * 8-bit pixels are exact, and the mean, rounded to the nearest, is too up to the last place of the
+ * product with the factors. Otherwise sums of `8u` and `32f` are rounded to binary32 after each
+ * pixel, and shares of 1e-7 or less are dropped. An inverse factor less than 1e-7 below a whole
+ * number counts as one with a remainder, so that a column may be counted twice; dividing a length
+ * by a whole number of pixels gives such factors rarely. Levels differ only in that level 6 rounds
+ * the product and the sum of an 8-bit result once.
  *
  * ::ZOV_RESIZE_ANTIALIAS widens the kernel of linear, the cubics and Lanczos by 1 / factor on an
  * axis that reduces: with c = (x + 0.5 - shift) / factor, the source pixels j whose distance |c -
@@ -1621,10 +1625,10 @@ KELO_API ZovStatus Kelo_zovsRShiftC_16u_I(int val, Zov16u* pSrcDst, int len);
  * ::ZOV_INTERP_NEAREST and ::ZOV_INTERP_AREA ignore the flag.
  *
  * With an edge flag, the ring of one pixel around the written rectangle follows, inside the
- * destination rectangle. A ring pixel of which the image covers the share a, of 1e-10 or more, and
- * whose nearest written pixel is p becomes d + (p - d) * a with ::ZOV_EDGE_BLEND, d being what it
- * held, and p * a with ::ZOV_EDGE_FADE. The share of a corner is the product of its sides' shares.
- * `8u` values are formed in binary32 and rounded to the nearest.
+ * destination rectangle. A ring pixel of which the image covers the share a, rounded to binary32,
+ * and whose nearest written pixel is p becomes d + (p - d) * a with ::ZOV_EDGE_BLEND, d being what
+ * it held, and p * a with ::ZOV_EDGE_FADE. The share of a corner is the product of its sides'
+ * shares. `8u` values are formed in binary32 and rounded to the nearest.
  */
 /** @{ */
 
