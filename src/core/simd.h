@@ -285,6 +285,9 @@ ZOV_INLINE Vec<double, 4> MulSubAdd(Vec<double, 4> a, Vec<double, 4> b, Vec<doub
 ZOV_INLINE Vec<float, 8> MulAddSub(Vec<float, 8> a, Vec<float, 8> b, Vec<float, 8> c) {
   return {_mm256_fmsubadd_ps(a.v, b.v, c.v)};
 }
+ZOV_INLINE Vec<double, 2> MulAddSub(Vec<double, 2> a, Vec<double, 2> b, Vec<double, 2> c) {
+  return {_mm_fmsubadd_pd(a.v, b.v, c.v)};
+}
 ZOV_INLINE Vec<double, 4> MulAddSub(Vec<double, 4> a, Vec<double, 4> b, Vec<double, 4> c) {
   return {_mm256_fmsubadd_pd(a.v, b.v, c.v)};
 }

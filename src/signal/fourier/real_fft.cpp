@@ -50,6 +50,16 @@ struct WorkMemory {
 template <Spectrum kSpectrum, class T>
 ZOV_INLINE void FinishSpectrum(T* dst, Index length) {
   if constexpr (kSpectrum == Spectrum::ccs) {
+    if constexpr (sizeof(T) == 8) {
+      // Whole vectors, which a transform in place may load at once without waiting for the cache.
+      if (length > 1) {
+        const Vec128<T> first = {{dst[0], 0}};
+        const Vec128<T> last = {{dst[1], 0}};
+        first.Store(dst);
+        last.Store(dst + length);
+        return;
+      }
+    }
     if (length > 1) {
       dst[length] = dst[1];
       dst[length + 1] = 0;

@@ -8,6 +8,22 @@ namespace zov::ZOV_LEVEL_NAMESPACE {
 
 namespace {
 
+// The recursions below run on scalars, or on vectors whose lanes are transforms side by side.
+ZOV_INLINE Zov32f Times(Zov32f a, double x) { return a * static_cast<Zov32f>(x); }
+ZOV_INLINE Zov64f Times(Zov64f a, double x) { return a * x; }
+template <class T, int N>
+ZOV_INLINE Vec<T, N> Times(Vec<T, N> a, double x) {
+  return a * Vec<T, N>::Broadcast(static_cast<T>(x));
+}
+template <class T>
+ZOV_INLINE T Negated(T a) {
+  return -a;
+}
+template <class T, int N>
+ZOV_INLINE Vec<T, N> Negated(Vec<T, N> a) {
+  return {-a.v};
+}
+
 // The packed spectrum of x[0], x[step], ... (n values): Re X[0], Re X[n/2], Re X[1], Im X[1], ...
 // The scaled form multiplies the inputs of the last butterflies.
 template <class T, int n, int step, bool kScaled>
@@ -19,8 +35,8 @@ struct RealForward {
     RealForward<T, n / 2, 2 * step, false>::Run(x + step, odd, scale);
     if constexpr (kScaled) {
       Unroll<n / 2>(ZOV_UNROLLED(i) {
-        even[decltype(i)::value] *= scale;
-        odd[decltype(i)::value] *= scale;
+        even[decltype(i)::value] = even[decltype(i)::value] * scale;
+        odd[decltype(i)::value] = odd[decltype(i)::value] * scale;
       });
     }
     spectrum[0] = even[0] + odd[0];
@@ -28,20 +44,20 @@ struct RealForward {
     if constexpr (n >= 4) {
       // k = n/4: the twiddle is -i and both halves are real there.
       spectrum[n / 2] = even[1];
-      spectrum[n / 2 + 1] = -odd[1];
+      spectrum[n / 2 + 1] = Negated(odd[1]);
     }
     if constexpr (n >= 8) {
       Unroll<n / 4 - 1>(ZOV_UNROLLED(i) {
         constexpr int k = decltype(i)::value + 1;
-        constexpr T kCos = static_cast<T>(CosineOfTurn(k, n));
-        constexpr T kSin = static_cast<T>(SineOfTurn(k, n));
+        constexpr double kCos = static_cast<double>(CosineOfTurn(k, n));
+        constexpr double kSin = static_cast<double>(SineOfTurn(k, n));
         T re, im;
         if constexpr (8 * k == n) {
-          re = (odd[2 * k] + odd[2 * k + 1]) * kCos;
-          im = (odd[2 * k + 1] - odd[2 * k]) * kCos;
+          re = Times(odd[2 * k] + odd[2 * k + 1], kCos);
+          im = Times(odd[2 * k + 1] - odd[2 * k], kCos);
         } else {
-          re = odd[2 * k] * kCos + odd[2 * k + 1] * kSin;
-          im = odd[2 * k + 1] * kCos - odd[2 * k] * kSin;
+          re = Times(odd[2 * k], kCos) + Times(odd[2 * k + 1], kSin);
+          im = Times(odd[2 * k + 1], kCos) - Times(odd[2 * k], kSin);
         }
         constexpr int m = n / 2 - k;
         spectrum[2 * k] = even[2 * k] + re;
@@ -60,41 +76,57 @@ struct RealForward<T, 1, step, kScaled> {
   }
 };
 
+// Where vectors go to: like a pointer to them, without their alignment.
+template <class V>
+struct VectorPlace {
+  typename V::Lane* p;
+  ZOV_INLINE VectorPlace operator+(int step) const { return {p + step * V::kLanes}; }
+};
+template <class T>
+ZOV_INLINE void Put(T* place, T value) {
+  *place = value;
+}
+template <class V>
+ZOV_INLINE void Put(VectorPlace<V> place, V value) {
+  value.Store(place.p);
+}
+
 // The values x[0], x[step], ... of a packed spectrum; kDoubled where its pair of k = n/4 comes
 // doubled, which spares an addition.
 template <class T, int n, int step, bool kScaled, bool kDoubled = false>
 struct RealInverse {
-  static ZOV_INLINE void Run(const T* spectrum, T* x, T scale) {
+  template <class Place>
+  static ZOV_INLINE void Run(const T* spectrum, Place x, T scale) {
     T even[n / 2];
     T odd[n / 2];
     T first = spectrum[0];
     T second = spectrum[1];
     if constexpr (kScaled && n == 2) {
-      first *= scale;
-      second *= scale;
+      first = first * scale;
+      second = second * scale;
     }
     even[0] = first + second;
     odd[0] = first - second;
     if constexpr (n >= 4) {
       even[1] = kDoubled ? spectrum[n / 2] : spectrum[n / 2] + spectrum[n / 2];
-      odd[1] = (kDoubled ? static_cast<T>(-1) : static_cast<T>(-2)) * spectrum[n / 2 + 1];
+      odd[1] = Times(spectrum[n / 2 + 1], kDoubled ? -1 : -2);
     }
     if constexpr (n >= 8) {
       Unroll<n / 4 - 1>(ZOV_UNROLLED(i) {
         constexpr int k = decltype(i)::value + 1;
         constexpr int m = n / 2 - k;
-        constexpr T kCos = static_cast<T>(CosineOfTurn(k, n));
-        constexpr T kSin = static_cast<T>(SineOfTurn(k, n));
+        constexpr double kCos = static_cast<double>(CosineOfTurn(k, n));
+        constexpr double kSin = static_cast<double>(SineOfTurn(k, n));
         even[2 * k] = spectrum[2 * k] + spectrum[2 * m];
         even[2 * k + 1] = spectrum[2 * k + 1] - spectrum[2 * m + 1];
         const T re = spectrum[2 * k] - spectrum[2 * m];
         const T im = spectrum[2 * k + 1] + spectrum[2 * m + 1];
         if constexpr (8 * k == n) {
-          odd[2 * k] = (re - im) * (2 * kCos);
-          odd[2 * k + 1] = (re + im) * (2 * kCos);
+          odd[2 * k] = Times(re - im, 2 * kCos);
+          odd[2 * k + 1] = Times(re + im, 2 * kCos);
         } else {
-          odd[2 * k] = re * kCos - im * kSin;
-          odd[2 * k + 1] = im * kCos + re * kSin;
+          odd[2 * k] = Times(re, kCos) - Times(im, kSin);
+          odd[2 * k + 1] = Times(im, kCos) + Times(re, kSin);
         }
       });
     }
@@ -105,7 +137,10 @@ struct RealInverse {
 
 template <class T, int step, bool kScaled, bool kDoubled>
 struct RealInverse<T, 1, step, kScaled, kDoubled> {
-  static ZOV_INLINE void Run(const T* spectrum, T* x, T) { x[0] = spectrum[0]; }
+  template <class Place>
+  static ZOV_INLINE void Run(const T* spectrum, Place x, T) {
+    Put(x, spectrum[0]);
+  }
 };
 
 // Scalars stay scalars: gathering them into vectors costs more than it saves, above all where the
@@ -134,6 +169,71 @@ ZOV_SCALAR_KERNEL void RealInverseKernelOf(const T* src, T second, T* dst, T sca
   for (int i = 2; i < n; ++i) in[i] = src[i];
   RealInverse<T, n, 1, kScaled>::Run(in, out, scale);
   for (int i = 0; i < n; ++i) dst[i] = out[i];
+}
+
+// Two real transforms side by side, of the values of even and of odd index, and the last step, or
+// the first of the inverse, between the lanes.
+template <class T, int n, bool kScaled>
+void RealForwardPairs(const T* src, T* dst, T scale) {
+  using V = Vec<T, 2>;
+  V in[n / 2];
+  V halves[n / 2];
+  for (int i = 0; i < n / 2; ++i) in[i] = V::Load(src + 2 * i);
+  RealForward<V, n / 2, 1, false>::Run(in, halves, V{});
+  if constexpr (kScaled) {
+    for (int i = 0; i < n / 2; ++i) halves[i] = halves[i] * V::Broadcast(scale);
+  }
+  const V even = {__builtin_shufflevector(halves[0].v, halves[0].v, 0, 0)};
+  const V odd = {__builtin_shufflevector(halves[0].v, halves[0].v, 1, 1)};
+  AddSub(even, odd).Store(dst);
+  Conjugate(halves[1]).Store(dst + n / 2);
+  Unroll<n / 4 - 1>(ZOV_UNROLLED(i) {
+    constexpr int k = decltype(i)::value + 1;
+    constexpr int m = n / 2 - k;
+    constexpr T kCos = static_cast<T>(CosineOfTurn(k, n));
+    constexpr T kSin = static_cast<T>(SineOfTurn(k, n));
+    const auto re = halves[2 * k].v;
+    const auto im = halves[2 * k + 1].v;
+    const V z = {__builtin_shufflevector(re, im, 0, 2)};
+    const V y = {__builtin_shufflevector(re, im, 1, 3)};
+    const V swapped = {__builtin_shufflevector(im, re, 1, 3)};
+    V turned;
+    if constexpr (8 * k == n) {
+      turned = AddSub(y, swapped) * V::Broadcast(kCos);
+    } else {
+      turned = Fma(swapped, V::Broadcast(kSin) ^ ImagSigns<T, 2>(), y * V::Broadcast(kCos));
+    }
+    (z + turned).Store(dst + 2 * k);
+    Conjugate(z - turned).Store(dst + 2 * m);
+  });
+}
+
+template <class T, int n, bool kScaled>
+void RealInversePairs(const T* src, T second, T* dst, T scale) {
+  using V = Vec<T, 2>;
+  V halves[n / 2];
+  const V zeroth = {{src[0], src[0]}};
+  halves[0] = AddSub(zeroth, V::Broadcast(second));
+  halves[1] = V::Load(src + n / 2) * V{{2, -2}};
+  Unroll<n / 4 - 1>(ZOV_UNROLLED(i) {
+    constexpr int k = decltype(i)::value + 1;
+    constexpr int m = n / 2 - k;
+    constexpr T kCos = static_cast<T>(CosineOfTurn(k, n));
+    constexpr T kSin = static_cast<T>(SineOfTurn(k, n));
+    const V a = V::Load(src + 2 * k);
+    const V b = Conjugate(V::Load(src + 2 * m));
+    const V z = a + b;
+    const V d = a - b;
+    V y;
+    if constexpr (8 * k == n) {
+      y = SubAdd(d, SwapParts(d)) * V::Broadcast(2 * kCos);
+    } else {
+      y = Fma(SwapParts(d), V::Broadcast(-kSin) ^ ImagSigns<T, 2>(), d * V::Broadcast(kCos));
+    }
+    halves[2 * k] = {__builtin_shufflevector(z.v, y.v, 0, 2)};
+    halves[2 * k + 1] = {__builtin_shufflevector(z.v, y.v, 1, 3)};
+  });
+  RealInverse<V, n / 2, 1, kScaled>::Run(halves, VectorPlace<V>{dst}, V::Broadcast(scale));
 }
 
 // Twiddles exp(-2 pi i k m / n), k < rows, m < n / rows, as (re, re) and (-im, im).
@@ -213,12 +313,22 @@ void ComplexKernel(const T* src, T* dst, T scale) {
   });
 }
 
+// Orders whose real kernels in double precision run in pairs. Below, the shuffles between the lanes
+// cost what the lanes save, above all in place.
+constexpr int kPairsFrom = 4;
+
 // The kernel of an order; null where the level has none.
 template <class T, int order, bool kInverse, bool kScaled>
 constexpr SmallKernel<T> KernelOf() {
   constexpr FftLimits kLimits = FftLimitsOf<T>(kLevel);
   if constexpr (order <= kLimits.lastReal) {
-    return kInverse ? nullptr : RealForwardKernel<T, 1 << order, kScaled>;
+    if constexpr (kInverse) {
+      return nullptr;
+    } else if constexpr (sizeof(T) == 8 && order >= kPairsFrom) {
+      return RealForwardPairs<T, 1 << order, kScaled>;
+    } else {
+      return RealForwardKernel<T, 1 << order, kScaled>;
+    }
   } else if constexpr (order <= kLimits.lastSmall) {
     return ComplexKernel<T, 1 << (order - 1), kInverse, kScaled>;
   } else {
@@ -227,10 +337,12 @@ constexpr SmallKernel<T> KernelOf() {
 }
 template <class T, int order, bool kScaled>
 constexpr RealInverseKernel<T> RealInverseOf() {
-  if constexpr (order <= FftLimitsOf<T>(kLevel).lastReal) {
-    return RealInverseKernelOf<T, 1 << order, kScaled>;
-  } else {
+  if constexpr (order > FftLimitsOf<T>(kLevel).lastReal) {
     return nullptr;
+  } else if constexpr (sizeof(T) == 8 && order >= kPairsFrom) {
+    return RealInversePairs<T, 1 << order, kScaled>;
+  } else {
+    return RealInverseKernelOf<T, 1 << order, kScaled>;
   }
 }
 
