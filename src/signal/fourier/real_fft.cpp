@@ -78,7 +78,7 @@ template <Spectrum kSpectrum, class T>
 ZovStatus Forward(const T* src, T* dst, const FftSpec<T>* spec, Zov8u* pWork) {
   if (const ZovStatus status = CheckCall(src, static_cast<const T*>(dst), spec)) return status;
   const Index length = Index{1} << spec->order;
-  if (spec->order <= FftLimitsOf<T>(kLevel).lastReal) {
+  if (spec->order <= kLastRealKernel<T>) {
     const SmallKernels<T>& kernels = KernelsOf<T>();
     (spec->scaleFwd != 0 ? kernels.forwardScaled : kernels.forward)[spec->order](src, dst,
                                                                                  spec->scale);
@@ -99,12 +99,12 @@ ZovStatus Inverse(const T* src, T* dst, const FftSpec<T>* spec, Zov8u* pWork) {
   if (const ZovStatus status = CheckCall(src, static_cast<const T*>(dst), spec)) return status;
   const Index length = Index{1} << spec->order;
   constexpr bool kRunning = kSpectrum == Spectrum::running;
-  if (spec->order <= FftLimitsOf<T>(kLevel).lastReal) {
+  if (spec->order <= kLastRealKernel<T>) {
     const SmallKernels<T>& kernels = KernelsOf<T>();
     const RealInverseKernel<T> kernel =
         (spec->scaleInv != 0 ? kernels.realInverseScaled : kernels.realInverse)[spec->order];
     if constexpr (kRunning) {
-      T packed[32];
+      T packed[1 << kLastRealKernel<T>];
       packed[0] = src[0];
       for (Index i = 2; i < length; ++i) packed[i] = src[i - 1];
       kernel(packed, src[length - 1], dst, spec->scale);

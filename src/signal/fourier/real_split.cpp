@@ -24,6 +24,19 @@ ZOV_INLINE V FarOrder(V a) {
 template <Formula kFormula, class T>
 ZOV_INLINE void SplitPair(Interleaved<T>& z, Interleaved<T>& y, Interleaved<T> w) {
   using V = Lanes<T>;
+#if !defined(__FMA__)
+  // The same on conjugates, which takes fewer changes of signs where they are operations of their
+  // own.
+  if constexpr (kFormula == Formula::forward) {
+    const V high = Conjugate(z.v);
+    const V apart = high - y.v;
+    const V turned = SwapParts(apart) * RealParts(w.v);
+    const V change = SubAdd(apart * ImagParts(w.v), turned);
+    z.v = Conjugate(y.v + change);
+    y.v = high - change;
+    return;
+  }
+#endif
   V difference = SubAdd(z.v, y.v);  // z - conj(y)
   V sum{};                          // z + conj(y)
   if constexpr (kFormula != Formula::forward) sum = AddSub(z.v, y.v);
@@ -212,12 +225,13 @@ ZOV_INLINE void SplitAll(const T* src, T* dst, int order, const T* table, Pair<T
   setEnds();
 #else
   // Long arrays come from memory, not from stores that are still under way; there the way between
-  // whole vectors pays only where it is a blend.
-  constexpr bool kBlends = sizeof(T) == 8;
+  // whole vectors pays only where it is a blend. A vector of one value is whole at any place.
+  constexpr bool kBlends = Lanes<T>::kBytes == 32 && sizeof(T) == 8;
+  constexpr bool kOneValue = Lanes<T>::kLanes == 2;
   if (oneLevel) {
     SplitLoop<kOneLevel, T> loop = {src, dst, length};
     loop.Begin(first.re, first.im);
-    if (kBlends || order <= FftLimitsOf<T>(kLevel).lastSmall) {
+    if (kBlends || (!kOneValue && order <= FftLimitsOf<T>(kLevel).lastSmall)) {
       loop.template RunWhole<true>(0, middle, table, nullptr);
       loop.SetMiddle(mid.re, mid.im);
     } else {

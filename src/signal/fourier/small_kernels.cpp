@@ -226,7 +226,7 @@ void RealInversePairs(const T* src, T second, T* dst, T scale) {
     const V d = a - b;
     V y;
     if constexpr (8 * k == n) {
-      y = SubAdd(d, SwapParts(d)) * V::Broadcast(2 * kCos);
+      y = SubAdd(d, SwapParts(d)) * V::Broadcast(kCos);
     } else {
       y = Fma(SwapParts(d), V::Broadcast(-kSin) ^ ImagSigns<T, 2>(), d * V::Broadcast(kCos));
     }
@@ -321,7 +321,7 @@ constexpr int kPairsFrom = 4;
 template <class T, int order, bool kInverse, bool kScaled>
 constexpr SmallKernel<T> KernelOf() {
   constexpr FftLimits kLimits = FftLimitsOf<T>(kLevel);
-  if constexpr (order <= kLimits.lastReal) {
+  if constexpr (order <= kLastRealKernel<T>) {
     if constexpr (kInverse) {
       return nullptr;
     } else if constexpr (sizeof(T) == 8 && order >= kPairsFrom) {
@@ -337,7 +337,7 @@ constexpr SmallKernel<T> KernelOf() {
 }
 template <class T, int order, bool kScaled>
 constexpr RealInverseKernel<T> RealInverseOf() {
-  if constexpr (order > FftLimitsOf<T>(kLevel).lastReal) {
+  if constexpr (order > kLastRealKernel<T>) {
     return nullptr;
   } else if constexpr (sizeof(T) == 8 && order >= kPairsFrom) {
     return RealInversePairs<T, 1 << order, kScaled>;
@@ -357,8 +357,8 @@ constexpr SmallKernels<T> MakeKernels(std::integer_sequence<int, order...>,
 }  // namespace
 
 extern constexpr SmallKernels<Zov32f> kSmallKernels32f =
-    MakeKernels<Zov32f>(std::make_integer_sequence<int, 8>{}, std::make_integer_sequence<int, 6>{});
+    MakeKernels<Zov32f>(std::make_integer_sequence<int, 8>{}, std::make_integer_sequence<int, 8>{});
 extern constexpr SmallKernels<Zov64f> kSmallKernels64f =
-    MakeKernels<Zov64f>(std::make_integer_sequence<int, 8>{}, std::make_integer_sequence<int, 6>{});
+    MakeKernels<Zov64f>(std::make_integer_sequence<int, 8>{}, std::make_integer_sequence<int, 8>{});
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

@@ -3,6 +3,7 @@
 
 #include "core/level.h"
 #include "kelozov/kelozov.h"
+#include "signal/fourier/limits.h"
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
@@ -22,9 +23,16 @@ struct SmallKernels {
   SmallKernel<T> forwardScaled[8];
   SmallKernel<T> complexInverse[8];
   SmallKernel<T> complexInverseScaled[8];
-  RealInverseKernel<T> realInverse[6];
-  RealInverseKernel<T> realInverseScaled[6];
+  RealInverseKernel<T> realInverse[8];
+  RealInverseKernel<T> realInverseScaled[8];
 };
+
+// Orders up to it have real kernels. Those above lastReal stand in for the complex kernel and the
+// split by the tables, as they are faster.
+template <class T>
+inline constexpr int kLastRealKernel = sizeof(T) == 4        ? FftLimitsOf<T>(kLevel).lastReal
+                                       : kLevel < Level::avx ? 6
+                                                             : 5;
 
 extern const SmallKernels<Zov32f> kSmallKernels32f;
 extern const SmallKernels<Zov64f> kSmallKernels64f;
