@@ -225,9 +225,10 @@ ZOV_INLINE void SplitAll(const T* src, T* dst, int order, const T* table, Pair<T
   setEnds();
 #else
   // Long arrays come from memory, not from stores that are still under way; there the way between
-  // whole vectors pays only where it is a blend. A vector of one value is whole at any place.
-  constexpr bool kBlends = Lanes<T>::kBytes == 32 && sizeof(T) == 8;
-  constexpr bool kOneValue = Lanes<T>::kLanes == 2;
+  // whole vectors pays only where it is a blend. Vectors of one value are whole at any place; the
+  // inverse, to another array, still runs faster a vector behind.
+  constexpr bool kOneValue = Lanes<T>::kLanes == 2 && kOneLevel == Formula::forward;
+  constexpr bool kBlends = sizeof(T) == 8 && !kOneValue;
   if (oneLevel) {
     SplitLoop<kOneLevel, T> loop = {src, dst, length};
     loop.Begin(first.re, first.im);
