@@ -37,9 +37,15 @@ ZOV_INLINE void SplitPair(Interleaved<T>& z, Interleaved<T>& y, Interleaved<T> w
     return;
   }
 #endif
-  V difference = SubAdd(z.v, y.v);  // z - conj(y)
-  V sum{};                          // z + conj(y)
+  V difference{};  // z - conj(y)
+  V sum{};         // z + conj(y)
+#if defined(__FMA__)
+  difference = SubAdd(z.v, y.v);
   if constexpr (kFormula != Formula::forward) sum = AddSub(z.v, y.v);
+#else
+  difference = z.v - Conjugate(y.v);
+  sum = z.v + Conjugate(y.v);
+#endif
   if constexpr (kFormula == Formula::forwardTwoLevel) {
     difference = difference * V::Broadcast(static_cast<T>(0.5));
     sum = sum * V::Broadcast(static_cast<T>(0.5));
@@ -131,23 +137,29 @@ struct SplitLoop {
   ZOV_INLINE void RunWhole(Index k, Index count, const T* table, const T* coarse) {
     V coarseRe{}, coarseIm{};
     if (coarse != nullptr) coarseRe = CoarseRe(coarse), coarseIm = CoarseIm(coarse);
-    for (const Index end = k + count; k < end; k += C::kLanes, table += V::kLanes) {
-      T* const far = dst + 2 * (length - k - C::kLanes);
-      C w = C::Load(table);
-      if (coarse != nullptr) w = w.Times(coarseRe, coarseIm);
-      const V next = V::Load(src + 2 * (k + (kBetween ? C::kLanes : 1)));
-      C z = {kBetween ? NearBetween(ahead, next) : NearOrder(next)};
-      C y = {FarOrder(V::Load(src + (far - dst)))};
-      SplitPair<kFormula>(z, y, w);
-      if constexpr (kBetween) {
-        NearWhole(behind, z.v).Store(dst + 2 * k);
-      } else {
-        NearOrder(z.v).Store(dst + 2 * (k + 1));
-      }
-      last = FarOrder(y.v);
-      last.Store(far);
-      ahead = next;
-      behind = z.v;
+    // Vectors of one value two a pass, as the loop is bound by its instructions.
+    constexpr int kSteps = C::kLanes == 1 ? 2 : 1;
+    for (const Index end = k + count; k < end; k += kSteps * C::kLanes) {
+      Unroll<kSteps>(ZOV_UNROLLED(i) {
+        const Index near = k + decltype(i)::value * C::kLanes;
+        T* const far = dst + 2 * (length - near - C::kLanes);
+        C w = C::Load(table + decltype(i)::value * V::kLanes);
+        if (coarse != nullptr) w = w.Times(coarseRe, coarseIm);
+        const V next = V::Load(src + 2 * (near + (kBetween ? C::kLanes : 1)));
+        C z = {kBetween ? NearBetween(ahead, next) : NearOrder(next)};
+        C y = {FarOrder(V::Load(src + (far - dst)))};
+        SplitPair<kFormula>(z, y, w);
+        if constexpr (kBetween) {
+          NearWhole(behind, z.v).Store(dst + 2 * near);
+        } else {
+          NearOrder(z.v).Store(dst + 2 * (near + 1));
+        }
+        last = FarOrder(y.v);
+        last.Store(far);
+        ahead = next;
+        behind = z.v;
+      });
+      table += kSteps * V::kLanes;
     }
   }
 
@@ -225,9 +237,8 @@ ZOV_INLINE void SplitAll(const T* src, T* dst, int order, const T* table, Pair<T
   setEnds();
 #else
   // Long arrays come from memory, not from stores that are still under way; there the way between
-  // whole vectors pays only where it is a blend. Vectors of one value are whole at any place; the
-  // inverse, to another array, still runs faster a vector behind.
-  constexpr bool kOneValue = Lanes<T>::kLanes == 2 && kOneLevel == Formula::forward;
+  // whole vectors pays only where it is a blend. Vectors of one value are whole at any place.
+  constexpr bool kOneValue = Lanes<T>::kLanes == 2;
   constexpr bool kBlends = sizeof(T) == 8 && !kOneValue;
   if (oneLevel) {
     SplitLoop<kOneLevel, T> loop = {src, dst, length};
