@@ -1,4 +1,4 @@
-// Real transforms of 1 to 32 values in scalars, complex ones of 16 to 64 in vectors.
+// Real transforms of 1 to 64 values in scalars or pairs, complex ones of 16 to 64 in vectors.
 #include "signal/fourier/small_kernels.h"
 
 #include "signal/fourier/lanes.h"
