@@ -49,7 +49,7 @@ ZOV_INLINE ZovStatus TwoSources(const T* pSrc1, const T* pSrc2, T* pDst, int len
 template <class Op, class T>
 ZOV_INLINE ZovStatus TwoSourcesInPlace(const T* pSrc, T* pSrcDst, int len) {
   if (const ZovStatus status = CheckArrays(len, pSrc, pSrcDst)) return status;
-  Map(Op{}, len, pSrcDst, pSrc, pSrcDst);
+  MapInPlace(Op{}, len, pSrcDst, pSrc);
   return zovStsNoErr;
 }
 template <class Op, class T>
@@ -61,7 +61,7 @@ ZOV_INLINE ZovStatus OneSource(const T* pSrc, T* pDst, int len) {
 template <class Op, class T>
 ZOV_INLINE ZovStatus InPlace(T* pSrcDst, int len) {
   if (const ZovStatus status = CheckArrays(len, pSrcDst)) return status;
-  Map(Op{}, len, pSrcDst, pSrcDst);
+  MapInPlace(Op{}, len, pSrcDst);
   return zovStsNoErr;
 }
 

@@ -55,7 +55,7 @@ template <template <class> class Op, class T>
 ZOV_INLINE ZovStatus ShiftInPlace(T val, T* pSrcDst, int len) {
   if (const ZovStatus status = CheckArrays(len, pSrcDst)) return status;
   if (val == 0) return zovStsNoErr;
-  Map(Op<T>{val}, len, pSrcDst, pSrcDst);
+  MapInPlace(Op<T>{val}, len, pSrcDst);
   return zovStsNoErr;
 }
 
@@ -65,7 +65,7 @@ ZOV_INLINE ZovStatus ScaleInPlace(T val, T* pSrcDst, int len) {
   if (const ZovStatus status = CheckArrays(len, pSrcDst)) return status;
   if (val == 1) return zovStsNoErr;
   if (val == 0) return Clear(pSrcDst, len);
-  Map(MultiplyConstant<T>{val}, len, pSrcDst, pSrcDst);
+  MapInPlace(MultiplyConstant<T>{val}, len, pSrcDst);
   return zovStsNoErr;
 }
 

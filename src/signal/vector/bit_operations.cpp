@@ -51,7 +51,7 @@ ZOV_INLINE ZovStatus ShiftInPlace(int val, Zov16u* pSrcDst, int len) {
   if (val < 0) return zovStsShiftErr;
   if (val == 0) return zovStsNoErr;
   if (val > 15) return Clear(pSrcDst, len);
-  Map(Shift{val}, len, pSrcDst, pSrcDst);
+  MapInPlace(Shift{val}, len, pSrcDst);
   return zovStsNoErr;
 }
 
@@ -67,7 +67,7 @@ ZovStatus zovsAndC_16u(const Zov16u* pSrc, Zov16u val, Zov16u* pDst, int len) {
 ZovStatus zovsAndC_16u_I(Zov16u val, Zov16u* pSrcDst, int len) {
   if (const ZovStatus status = CheckArrays(len, pSrcDst)) return status;
   if (val == 0) return Clear(pSrcDst, len);
-  Map(And{val}, len, pSrcDst, pSrcDst);
+  MapInPlace(And{val}, len, pSrcDst);
   return zovStsNoErr;
 }
 

@@ -25,13 +25,13 @@ struct Smaller {
 
 ZovStatus zovsMaxEvery_32f_I(const Zov32f* pSrc, Zov32f* pSrcDst, int len) {
   if (const ZovStatus status = CheckArrays(len, pSrc, pSrcDst)) return status;
-  Map(Larger{}, len, pSrcDst, pSrc, pSrcDst);
+  MapInPlace(Larger{}, len, pSrcDst, pSrc);
   return zovStsNoErr;
 }
 
 ZovStatus zovsMinEvery_32f_I(const Zov32f* pSrc, Zov32f* pSrcDst, int len) {
   if (const ZovStatus status = CheckArrays(len, pSrc, pSrcDst)) return status;
-  Map(Smaller{}, len, pSrcDst, pSrc, pSrcDst);
+  MapInPlace(Smaller{}, len, pSrcDst, pSrc);
   return zovStsNoErr;
 }
 

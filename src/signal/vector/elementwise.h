@@ -18,8 +18,12 @@
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
-// Keeps the compiler from replacing a loop's counter by others, which cost more than they save.
-ZOV_INLINE void KeepInRegister(std::ptrdiff_t& i) { asm("" : "+r"(i)); }
+// Keeps the compiler from replacing the pointers of a loop by one index, which takes either an
+// addition for each array, or stores that occupy the ports of the loads.
+template <class T>
+ZOV_INLINE void KeepInRegister(T*& p) {
+  asm("" : "+r"(p));
+}
 
 // Before the slow path of a block: what it needs is loaded again, so that no register holds it for
 // a case that hardly occurs.
@@ -96,7 +100,8 @@ constexpr int LanesFor() {
   return (allFloat ? kFloatVectorBytes : kIntVectorBytes) / widest;
 }
 
-template <class Op, class Dst, class... Src>
+// In place, the destination is the last source too, and not among Src.
+template <bool kInPlace, class Op, class Dst, class... Src>
 struct Elementwise {
   static constexpr int N = LanesFor<Dst, Src...>();
   using DstLanes = typename LanesOf<Dst, N>::Type;
@@ -107,7 +112,7 @@ struct Elementwise {
   // Vectors in a pass of the main block.
   static constexpr int K = [] {
     if constexpr (requires { Op::kVectors; }) return Op::kVectors;
-    return 4;
+    return ((sizeof(Src) == sizeof(ScalarOf<Src>)) && ...) ? 8 : 4;
   }();
   static constexpr bool kHasBlock = requires { Op::kVectors; };
   static constexpr int kAlignment =
@@ -115,9 +120,18 @@ struct Elementwise {
   // Up to here an aligned destination gains less than the head costs.
   static constexpr int kUnalignedLimit = kLevel >= Level::avx ? 8 * N : 2 * N;
 
-  // K neighbouring vectors. Without a Block each is stored before the next is loaded.
+  // K neighbouring vectors.
   template <int K, bool kAligned>
   static ZOV_INLINE void Step(Op& op, Dst* dst, const Src*... src) {
+    if constexpr (kInPlace) {
+      StepFrom<K, kAligned>(op, dst, src..., static_cast<const Dst*>(dst));
+    } else {
+      StepFrom<K, kAligned>(op, dst, src...);
+    }
+  }
+  // Without a Block each is stored before the next is loaded.
+  template <int K, bool kAligned, class... From>
+  static ZOV_INLINE void StepFrom(Op& op, Dst* dst, const From*... src) {
     const auto load = []<class T>(const T* p) __attribute__((always_inline)) {
       return kAligned ? Lanes<T>::LoadAligned(p) : Lanes<T>::Load(p);
     };
@@ -136,8 +150,15 @@ struct Elementwise {
   }
 
   // Fewer elements than a vector has, as two pieces of kPiece elements that may overlap.
-  template <int kPiece>
   static ZOV_INLINE void Few(Op& op, Index n, Dst* dst, const Src*... src) {
+    if constexpr (kInPlace) {
+      FewFrom<N / 2>(op, n, dst, src..., static_cast<const Dst*>(dst));
+    } else {
+      FewFrom<N / 2>(op, n, dst, src...);
+    }
+  }
+  template <int kPiece, class... From>
+  static ZOV_INLINE void FewFrom(Op& op, Index n, Dst* dst, const From*... src) {
     if (n >= kPiece) {
       const Index last = n - kPiece;
       DstLanes result;
@@ -151,7 +172,7 @@ struct Elementwise {
       }
       StoreFew<kPiece>(result, dst, dst + last);
     } else if constexpr (kPiece > 1) {
-      Few<kPiece / 2>(op, n, dst, src...);
+      FewFrom<kPiece / 2>(op, n, dst, src...);
     }
   }
   template <int kPiece, class T>
@@ -182,62 +203,102 @@ struct Elementwise {
     }
   }
 
-  // All whole vectors from i on; returns where they end.
+  // All passes of K vectors; leaves the pointers behind them.
+  template <int K, bool kAligned>
+  static ZOV_INLINE void Steps(Op& op, Dst* end, Dst*& dst, const Src*&... src) {
+    Dst* const last = end - K * N;
+    const Index done = [&](Dst * to, const Src*... from) __attribute__((always_inline)) {
+      while (to <= last) {
+        Step<K, kAligned>(op, to, from...);
+        to += K * N;
+        ((from += K * N), ...);
+        KeepInRegister(to);
+        (KeepInRegister(from), ...);
+      }
+      return to - dst;
+    }
+    (dst, src...);
+    dst += done;
+    ((src += done), ...);
+  }
+  // All whole vectors.
   template <bool kAligned>
-  static ZOV_INLINE Index Main(Op& op, Index i, Index n, Dst* dst, const Src*... src) {
-    // From one array to another beyond the first-level cache a vector a pass is faster: prefetchers
-    // then follow one load and one store.
-    Index unrolled = n;
-    if constexpr (!kHasBlock && sizeof...(Src) == 1) {
-      constexpr Index kFirstLevel = 32768 / sizeof(Dst);
-      if (n > kFirstLevel && ((static_cast<const void*>(src) != dst) && ...)) unrolled = 0;
+  static ZOV_INLINE void Main(Op& op, Dst* end, Dst*& dst, const Src*&... src) {
+    Steps<K, kAligned>(op, end, dst, src...);
+    Steps<1, kAligned>(op, end, dst, src...);
+  }
+
+  // The same for arrays that come from memory: a pass for each line of the destination asks for the
+  // lines of all arrays that lie ahead, further than the processor does by itself. The destination
+  // is aligned if it can be.
+  static ZOV_INLINE void Far(Op& op, Dst* end, Dst*& dst, const Src*&... src) {
+    constexpr int kPass = DstLanes::kBytes < 64 ? 64 / DstLanes::kBytes : 1;
+    while (dst <= end - kPass * N) {
+      Ahead<kPass>(dst);
+      (Ahead<kPass>(src), ...);
+      Unroll<kPass>([&](int) __attribute__((always_inline)) {
+        Step<1, false>(op, dst, src...);
+        dst += N;
+        ((src += N), ...);
+      });
+      KeepInRegister(dst);
+      (KeepInRegister(src), ...);
     }
-    for (; i <= unrolled - K * N; i += K * N) {
-      Step<K, kAligned>(op, dst + i, (src + i)...);
-      KeepInRegister(i);
+  }
+  template <int kPass, class T>
+  static ZOV_INLINE void Ahead(const T* p) {
+    constexpr int kDistance = 4096;
+    constexpr int kBytes = kPass * N * static_cast<int>(sizeof(T));
+    for (int i = 0; i < kBytes; i += 64) {
+      __builtin_prefetch(reinterpret_cast<const char*>(p) + kDistance + i);
     }
-    for (; i <= n - N; i += N) {
-      Step<1, kAligned>(op, dst + i, (src + i)...);
-      KeepInRegister(i);
-    }
-    return i;
   }
 
   // Each byte is stored once, in pieces that depend on the destination and the length alone, so
   // that an operation on the same array straight afterwards is served from the store queue.
   static ZOV_INLINE void All(Op& op, Index n, Dst* dst, const Src*... src) {
-    Index i = 0;
+    Dst* const end = dst + n;
     if (n > kUnalignedLimit) {
-      const std::uintptr_t head = BytesToAlign<kAlignment>(dst);
-      if (head != 0 && head % sizeof(Dst) == 0) {
-        i = static_cast<Index>(head / sizeof(Dst));
-        Few<N / 2>(op, i, dst, src...);
+      const std::uintptr_t bytes = BytesToAlign<kAlignment>(dst);
+      if (bytes != 0 && bytes % sizeof(Dst) == 0) {
+        const Index head = static_cast<Index>(bytes / sizeof(Dst));
+        Few(op, head, dst, src...);
+        dst += head;
+        ((src += head), ...);
       }
+      constexpr Index kFar = (4 << 20) / static_cast<int>(sizeof(Dst));
+      if (n >= kFar) [[unlikely]]
+        Far(op, end, dst, src...);
     }
     // AVX instructions read a memory operand at any address; older ones need an aligned one.
     constexpr bool kTwoLoops = kLevel < Level::avx && DstLanes::kBytes % 16 == 0 &&
                                ((Lanes<Src>::kBytes % 16 == 0) && ...);
     if constexpr (kTwoLoops) {
-      if (IsAligned<16>(dst + i) && (IsAligned<16>(src + i) && ...)) {
-        i = Main<true>(op, i, n, dst, src...);
+      if (IsAligned<16>(dst) && (IsAligned<16>(src) && ...)) {
+        Main<true>(op, end, dst, src...);
       } else {
-        i = Main<false>(op, i, n, dst, src...);
+        Main<false>(op, end, dst, src...);
       }
     } else {
-      i = Main<false>(op, i, n, dst, src...);
+      Main<false>(op, end, dst, src...);
     }
-    if (i < n) Few<N / 2>(op, n - i, dst + i, (src + i)...);
+    if (dst < end) Few(op, end - dst, dst, src...);
   }
 };
 
 // dst[i] = op(src[i]...) for i = 0 to n-1. A source may equal dst.
 template <class Op, class Dst, class... Src>
 ZOV_INLINE void Map(Op& op, int n, Dst* dst, const Src*... src) {
-  Elementwise<Op, Dst, Src...>::All(op, n, dst, src...);
+  Elementwise<false, Op, Dst, Src...>::All(op, n, dst, src...);
 }
 template <class Op, class Dst, class... Src>
 ZOV_INLINE void Map(const Op& op, int n, Dst* dst, const Src*... src) {
-  Elementwise<const Op, Dst, Src...>::All(op, n, dst, src...);
+  Elementwise<false, const Op, Dst, Src...>::All(op, n, dst, src...);
+}
+// srcDst[i] = op(src[i]..., srcDst[i])
+template <class Op, class Dst, class... Src>
+ZOV_INLINE void MapInPlace(const Op& op, int n, Dst* srcDst, const Src*... src) {
+  Elementwise<true, const Op, Dst, Src...>::All(op, n, srcDst, src...);
 }
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

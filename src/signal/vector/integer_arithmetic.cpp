@@ -96,7 +96,7 @@ ZOV_INLINE ZovStatus Combine(const Op& op, const T* pSrc1, const T* pSrc2, T* pD
 
 template <class T, class Op>
 ZOV_INLINE ZovStatus CombineConstant(const Op& op, T val, T* pSrcDst, int len) {
-  Map(WithConstant<Op, T>{op, val}, len, pSrcDst, pSrcDst);
+  MapInPlace(WithConstant<Op, T>{op, val}, len, pSrcDst);
   return zovStsNoErr;
 }
 
@@ -124,7 +124,7 @@ ZovStatus zovsAdd_16s_Sfs(const Zov16s* pSrc1, const Zov16s* pSrc2, Zov16s* pDst
 
 ZovStatus zovsAdd_16s_I(const Zov16s* pSrc, Zov16s* pSrcDst, int len) {
   if (const ZovStatus status = CheckArrays(len, pSrc, pSrcDst)) return status;
-  Map(Sum{}, len, pSrcDst, pSrc, pSrcDst);
+  MapInPlace(Sum{}, len, pSrcDst, pSrc);
   return zovStsNoErr;
 }
 
@@ -187,7 +187,7 @@ ZovStatus zovsMulC_16s_I(Zov16s val, Zov16s* pSrcDst, int len) {
 
 ZovStatus zovsAbs_32s_I(Zov32s* pSrcDst, int len) {
   if (const ZovStatus status = CheckArrays(len, pSrcDst)) return status;
-  Map(Absolute{}, len, pSrcDst, pSrcDst);
+  MapInPlace(Absolute{}, len, pSrcDst);
   return zovStsNoErr;
 }
 

@@ -49,9 +49,9 @@ struct ReplaceBelow {
 ZovStatus zovsThreshold_32f_I(Zov32f* pSrcDst, int len, Zov32f level, int relOp) {
   if (const ZovStatus status = CheckArrays(len, pSrcDst)) return status;
   if (relOp == ZOV_CMP_LESS) {
-    Map(RaiseTo{level}, len, pSrcDst, pSrcDst);
+    MapInPlace(RaiseTo{level}, len, pSrcDst);
   } else if (relOp == ZOV_CMP_GREATER) {
-    Map(LowerTo{level}, len, pSrcDst, pSrcDst);
+    MapInPlace(LowerTo{level}, len, pSrcDst);
   } else {
     return zovStsRelationErr;
   }
@@ -67,7 +67,7 @@ ZovStatus zovsThreshold_GTVal_32f(const Zov32f* pSrc, Zov32f* pDst, int len, Zov
 
 ZovStatus zovsThreshold_GTVal_32f_I(Zov32f* pSrcDst, int len, Zov32f level, Zov32f value) {
   if (const ZovStatus status = CheckArrays(len, pSrcDst)) return status;
-  Map(ReplaceAbove{level, value}, len, pSrcDst, pSrcDst);
+  MapInPlace(ReplaceAbove{level, value}, len, pSrcDst);
   return zovStsNoErr;
 }
 
@@ -80,7 +80,7 @@ ZovStatus zovsThreshold_LTVal_32f(const Zov32f* pSrc, Zov32f* pDst, int len, Zov
 
 ZovStatus zovsThreshold_LTVal_32f_I(Zov32f* pSrcDst, int len, Zov32f level, Zov32f value) {
   if (const ZovStatus status = CheckArrays(len, pSrcDst)) return status;
-  Map(ReplaceBelow{level, value}, len, pSrcDst, pSrcDst);
+  MapInPlace(ReplaceBelow{level, value}, len, pSrcDst);
   return zovStsNoErr;
 }
 
