@@ -36,27 +36,28 @@ struct Divide {
   }
 };
 
-// The first vector of a block is divided through the approximate reciprocal r of its divisor a:
+// The first vectors of a block are divided through the approximate reciprocal r of their divisor a:
 // with e = 1 - a r, the quotient b / a is b r (1 + e + e^2), within 2 units of the last place. The
-// others keep the divider busy meanwhile. Where that is quick, it takes three of four.
+// others keep the divider busy meanwhile.
 struct DivideBothWays {
-  [[maybe_unused]] static constexpr int kVectors = kLevel >= Level::avx2 ? 4 : 2;
+  [[maybe_unused]] static constexpr int kVectors = kLevel >= Level::avx2 ? 8 : 2;
   Divide exact;
 
   template <int K, class Load1, class Load2>
   ZOV_INLINE Pack<VecF, K> Block(Load1 divisor, Load2 dividend) {
     Pack<VecF, K> quotient;
     if constexpr (K > 1) {
-      const VecF a = divisor(0);
-      const VecF r = ApproxReciprocal(a);
-      const VecF e = VecF::Broadcast(1.0F) - a * r;
-      const VecF q = dividend(0) * r;
-      quotient.v[0] = q + (q + e * q) * e;
-      Mask special = OutOfRange(quotient.v[0]);
-      Unroll<K - 1>([&](int k) __attribute__((always_inline)) {
-        const VecF b = divisor(k + 1);
-        quotient.v[k + 1] = dividend(k + 1) / b;
-        special = special | (b == VecF::Zero());
+      constexpr int kRefined = K > 2 ? 3 : 1;
+      Mask special = Mask::Zero();
+      Unroll<K>([&](int k) __attribute__((always_inline)) {
+        const VecF a = divisor(k);
+        if (k < kRefined) {
+          quotient.v[k] = Refined(a, dividend(k));
+          special = special | OutOfRange(quotient.v[k]);
+        } else {
+          quotient.v[k] = dividend(k) / a;
+          special = special | (a == VecF::Zero());
+        }
       });
       if (MoveMask(special) == 0) [[likely]]
         return quotient;
@@ -66,6 +67,19 @@ struct DivideBothWays {
       quotient.v[k] = exact(divisor(k), dividend(k));
     });
     return quotient;
+  }
+
+  static ZOV_INLINE VecF Refined(VecF a, VecF b) {
+    const VecF one = VecF::Broadcast(1.0F);
+    const VecF r = ApproxReciprocal(a);
+    const VecF q = b * r;
+#if defined(__FMA__)
+    const VecF e = NegMulAdd(a, r, one);
+    return MulAdd(MulAdd(e, q, q), e, q);
+#else
+    const VecF e = one - a * r;
+    return q + (q + e * q) * e;
+#endif
   }
 
   // Zero divisors, and those whose reciprocal is not a normal number, leave an infinity, a NaN or a
@@ -107,8 +121,7 @@ struct DivideConstant {
 };
 
 #if defined(__FMA__)
-// The same bits. One vector of a block is formed without the divider, which is busy with the
-// others.
+// The same bits. One vector of a block is formed without the divider, which is busy with the rest.
 struct DivideConstantBothWays {
   static constexpr int kVectors = 4;
   DivideConstant exact;
@@ -117,14 +130,21 @@ struct DivideConstantBothWays {
   ZOV_INLINE Pack<VecF, K> Block(Load load) {
     Pack<VecF, K> quotient;
     if constexpr (K > 1) {
-      const VecF a = load(0);
-      if (MoveMask(NoDivisor(a)) == 0) [[likely]] {
-        quotient.v[0] = Quotient(exact.dividend, a);
-        Unroll<K - 1>([&](int k) __attribute__((always_inline)) {
-          quotient.v[k + 1] = exact(load(k + 1));
-        });
+      constexpr int kRefined = 1;
+      Mask special = Mask::Zero();
+      Unroll<K>([&](int k) __attribute__((always_inline)) {
+        const VecF a = load(k);
+        if (k < kRefined) {
+          quotient.v[k] = Quotient(exact.dividend, a);
+          special = special | NoDivisor(a);
+        } else {
+          quotient.v[k] = exact.dividend / a;
+          special = special | (a == VecF::Zero());
+        }
+      });
+      if (MoveMask(special) == 0) [[likely]]
         return quotient;
-      }
+      LoadAgain();
     }
     Unroll<K>([&](int k) __attribute__((always_inline)) { quotient.v[k] = exact(load(k)); });
     return quotient;

@@ -1,12 +1,12 @@
-// Quotients and square roots with the bits of the hardware's division and square root, formed by
-// fused multiplication and addition. The divider gives one vector in three to five cycles; a loop
-// that forms some of its vectors here meanwhile is faster by half.
+// Quotients with the bits of the hardware's division, formed by fused multiplication and addition.
+// The divider gives one vector in three to five cycles; a loop that forms some of its vectors here
+// meanwhile is faster by a third. (Square roots are not: their chain is longer than the wait.)
 //
-// Each refines the hardware's approximation, whatever its last bits are, as long as its relative
-// error is below 1.5 * 2^-12, and ends with a fused residual. That rounds correctly for all
-// operands in the range tested here but one mantissa each, which the test excludes as well. The
-// proof is by enumeration: of every operand of a binade that lies close enough to a rounding
-// boundary, with every approximation of it.
+// They refine the hardware's approximation, whatever its last bits are, as long as its relative
+// error is below 1.5 * 2^-12, and end with a fused residual. That rounds correctly for all operands
+// in the range tested here but one mantissa, which the test excludes as well. The proof is by
+// enumeration: of every operand of a binade that lies close enough to a rounding boundary, with
+// every approximation of it.
 #pragma once
 
 #include "core/simd.h"
@@ -66,26 +66,6 @@ ZOV_INLINE VecF Quotient(VecF b, VecF a) {
   r = MulAdd(r, NegativeMulAdd(a, r, Number(1.0F)), r);
   const VecF q = b * r;
   return MulAdd(NegativeMulAdd(q, a, b), r, q);
-}
-
-// Numbers whose root Root does not take: below 2^-100, where the residual is lost, and not finite;
-// and those just below a power of four, whose root lies next to the middle of two numbers.
-ZOV_INLINE Vec<std::int32_t, VecF::kLanes> NoSquare(VecF x) {
-  using namespace exact;
-  const Bits bits = As<std::int32_t>(x);
-  return Outside(bits, PowerOfTwo(-100), PowerOfTwo(126)) | Matches(bits, 0xFF000000, 0xFF7FFFFF);
-}
-
-// The square root of x. One step of third order takes the approximation to the last bit.
-ZOV_INLINE VecF Root(VecF x) {
-  using namespace exact;
-  const VecF r = ApproxReciprocalSqrt(x);
-  const VecF y = x * r;             // the root
-  const VecF h = r * Number(0.5F);  // half of its reciprocal
-  const VecF e = NegativeMulAdd(y, h, Number(0.5F));
-  const VecF p = e * MulAdd(e, Number(1.5F), Number(1.0F));
-  const VecF root = MulAdd(y, p, y);
-  return MulAdd(NegativeMulAdd(root, root, x), MulAdd(h, p, h), root);
 }
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

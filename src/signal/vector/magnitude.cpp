@@ -2,7 +2,6 @@
 #include "core/checks.h"
 #include "core/entries.h"
 #include "signal/vector/elementwise.h"
-#include "signal/vector/exact_refinement.h"
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
@@ -69,44 +68,11 @@ struct Magnitude {
   }
 };
 
-#if defined(__FMA__)
-// The same bits. One vector of a block is formed without the divider, which is busy with the
-// others.
-struct MagnitudeBothWays {
-  static constexpr int kVectors = 4;
-
-  template <int K, class Load>
-  ZOV_INLINE Pack<VecF, K> Block(Load load) const {
-    Pack<VecF, K> size;
-    if constexpr (K > 1) {
-      const VecF x = SumOfSquares(load(0));
-      if (MoveMask(NoSquare(x)) == 0) [[likely]] {
-        size.v[0] = Ordered(Root(x));
-        Unroll<K - 1>([&](int k) __attribute__((always_inline)) {
-          size.v[k + 1] = Magnitude{}(load(k + 1));
-        });
-        return size;
-      }
-    }
-    Unroll<K>([&](int k) __attribute__((always_inline)) { size.v[k] = Magnitude{}(load(k)); });
-    return size;
-  }
-};
-using Magnitude32 = MagnitudeBothWays;
-#else
-using Magnitude32 = Magnitude;
-#endif
-
 }  // namespace
 
 ZovStatus zovsMagnitude_32fc(const Zov32fc* pSrc, Zov32f* pDst, int len) {
   if (const ZovStatus status = CheckArrays(len, pSrc, pDst)) return status;
-  // A short array is over before the longer chain of operations.
-  if (len > 128) {
-    Map(Magnitude32{}, len, pDst, pSrc);
-  } else {
-    Map(Magnitude{}, len, pDst, pSrc);
-  }
+  Map(Magnitude{}, len, pDst, pSrc);
   return zovStsNoErr;
 }
 

@@ -39,7 +39,12 @@ struct RefinedRoot {
       const VecF x = load(k);
       const VecF r = ApproxReciprocalSqrt(x);
       const VecF y = x * r;
-      root.v[k] = y * (y * r - VecF::Broadcast(3.0F)) * VecF::Broadcast(-0.5F);
+#if defined(__FMA__)
+      const VecF t = MulAdd(y, r, VecF::Broadcast(-3.0F));
+#else
+      const VecF t = y * r - VecF::Broadcast(3.0F);
+#endif
+      root.v[k] = y * t * VecF::Broadcast(-0.5F);
       sum = sum + root.v[k];
     });
     // Zeros, denormals, negative numbers, infinities and NaNs all leave an infinity or a NaN, and
