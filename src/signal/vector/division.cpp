@@ -40,14 +40,14 @@ struct Divide {
 // with e = 1 - a r, the quotient b / a is b r (1 + e + e^2), within 2 units of the last place. The
 // others keep the divider busy meanwhile.
 struct DivideBothWays {
-  [[maybe_unused]] static constexpr int kVectors = kLevel >= Level::avx2 ? 8 : 2;
+  [[maybe_unused]] static constexpr int kVectors = kLevel >= Level::avx2 ? 8 : 4;
   Divide exact;
 
   template <int K, class Load1, class Load2>
   ZOV_INLINE Pack<VecF, K> Block(Load1 divisor, Load2 dividend) {
     Pack<VecF, K> quotient;
     if constexpr (K > 1) {
-      constexpr int kRefined = K > 2 ? 3 : 1;
+      constexpr int kRefined = K > 4 ? 3 : 1;
       Mask special = Mask::Zero();
       Unroll<K>([&](int k) __attribute__((always_inline)) {
         const VecF a = divisor(k);
