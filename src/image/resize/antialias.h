@@ -2,6 +2,7 @@
 // along rows in double precision, then along columns in the precision of the lines.
 #pragma once
 
+#include "image/resize/antialias_bytes.h"
 #include "image/resize/antialias_columns.h"
 #include "image/resize/kernel_rows.h"
 
@@ -15,6 +16,7 @@ class AntialiasResize {
   // Wide groups of rows run faster, narrow ones need less memory.
   static constexpr int kWideGroup = 4 * VecD::kLanes;
   static constexpr int kNarrowGroup = 4;
+  static constexpr int kKeptWeights = 4;  // rows
 
  public:
   AntialiasResize(SourceView src, TargetView dst, const ResizeGeometry& geometry,
@@ -28,7 +30,14 @@ class AntialiasResize {
         elements_(std::int64_t{geometry.x.count} * kChannels) {}
 
   void Run(Zov8u* workBuffer, std::int64_t bytes) const {
-    if (!RunBy<kWideGroup>(workBuffer, bytes) && !RunBy<kNarrowGroup>(workBuffer, bytes)) {
+    int row = 0;
+    if constexpr (sizeof(T) == 1) {
+      row =
+          AntialiasBytes<kChannels>(src_, dst_, x_, y_, xKernel_, yKernel_).Run(workBuffer, bytes);
+      if (row == y_.count) return;
+    }
+    if (!RunBy<kWideGroup>(row, workBuffer, bytes) &&
+        !RunBy<kNarrowGroup>(row, workBuffer, bytes)) {
       RunWithoutTables();
     }
   }
@@ -38,12 +47,13 @@ class AntialiasResize {
 
   int SourceRow(int row) const { return row < 0 ? 0 : row < y_.extent ? row : y_.extent - 1; }
 
-  // Source rows are resampled once, in groups, into a ring of lines that holds the taps of a row.
-  // False, with nothing done, when the work buffer is too small.
+  // Writes the rows from `begin` on. Source rows are resampled once, in groups, into a ring of
+  // lines that holds the taps of a row. False, with nothing done, when the work buffer is too
+  // small.
   template <int kGroup>
-  bool RunBy(Zov8u* workBuffer, std::int64_t bytes) const {
+  bool RunBy(int begin, Zov8u* workBuffer, std::int64_t bytes) const {
     using Columns = AntialiasColumns<T, kChannels, kGroup>;
-    const Taps lowest = yKernel_.At(0);
+    const Taps lowest = yKernel_.At(begin);
     const Taps highest = yKernel_.At(y_.count - 1);
     const int firstRow = SourceRow(lowest.first);
     const int endRow = SourceRow(highest.first + highest.count - 1) + 1;
@@ -56,17 +66,17 @@ class AntialiasResize {
     Columns columns(&arena, xKernel_, x_);
     Real* const lines = arena.Take<Real>(stride * lineCount);
     std::int32_t* const offsets = arena.Take<std::int32_t>(yKernel_.MostTaps());
-    Real* const weights = arena.Take<Real>(yKernel_.MostTaps());
+    Real* const table = arena.Take<Real>(std::int64_t{kKeptWeights} * yKernel_.MostTaps());
     if (arena.Take<Zov8u>(0) - workBuffer > bytes) return false;
 
     columns.FillTables(xKernel_);
     const auto lineOf = [=](int row) { return lines + (row - firstRow) % lineCount * stride; };
     int done = firstRow;  // rows before it have been resampled, or are not needed
-    for (int row = 0; row < y_.count; ++row) {
+    for (int row = begin; row < y_.count; ++row) {
       const Taps taps = yKernel_.At(row);
-      const int begin = SourceRow(taps.first);
+      const int start = SourceRow(taps.first);
       const int end = SourceRow(taps.first + taps.count - 1) + 1;
-      if (done < begin) done = begin;
+      if (done < start) done = start;
       while (done < end) {
         const Zov8u* sources[Columns::kRows];
         Real* targets[Columns::kRows];
@@ -77,9 +87,11 @@ class AntialiasResize {
           targets[r] = lineOf(sourceRow);
         }
         done += rows;
-        columns.Resample(sources, rows, targets);
+        columns.Resample(sources, rows, Columns::kRows * src_.step, targets);
       }
-      yKernel_.template GetWeights<Real>(taps, weights);
+      yKernel_.template GetWeights<Real>(row, row - begin, kKeptWeights, yKernel_.MostTaps(),
+                                         table);
+      const Real* const weights = table + row % kKeptWeights * std::int64_t{yKernel_.MostTaps()};
       for (int k = 0; k < taps.count; ++k) {
         offsets[k] = static_cast<std::int32_t>(lineOf(SourceRow(taps.first + k)) - lines);
       }

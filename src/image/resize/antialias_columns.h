@@ -53,7 +53,9 @@ template <class T, int kChannels, int kGroup>
 class AntialiasColumns {
   using V = VecD;
   static constexpr int kElement = sizeof(T);
+  static constexpr int kPixelBytes = kChannels * kElement;
   static constexpr int kVectors = kGroup / V::kLanes;
+  static constexpr int kCacheLine = 64;
 
  public:
   using Real = std::conditional_t<sizeof(T) == 8, double, float>;
@@ -74,16 +76,33 @@ class AntialiasColumns {
     for (int i = 0; i < count_; ++i) {
       const WidenedKernel::Taps taps = kernel.At(i);
       taps_[i] = {taps.first - first_, taps.count};
-      kernel.GetWeights<Real>(taps, weights_ + std::int64_t{i} * mostTaps_);
+      kernel.GetWeights<Real>(i, i, count_, mostTaps_, weights_);
     }
   }
 
-  // Resamples the first `rows` of kRows source rows into lines.
-  void Resample(const Zov8u* const* sources, int rows, Real* const* lines) const {
+  // Resamples the first `rows` of kRows source rows into lines. Meanwhile what lies `ahead` of
+  // these rows comes nearer, as sums leave the memory idle.
+  void Resample(const Zov8u* const* sources, int rows, std::ptrdiff_t ahead,
+                Real* const* lines) const {
     FillBlock(sources);
+    const std::int64_t begin = first_ < 0 ? 0 : first_;
+    const std::int64_t end = columns_ < extent_ - first_ ? first_ + columns_ : extent_;
+    const std::int64_t step = (end - begin) * kPixelBytes * 4 / count_;
+    std::int64_t near = begin * kPixelBytes;
+    std::int64_t far = near;
+    const auto fetch = [&, ahead ](int i) __attribute__((always_inline)) {
+      if (i % 4 != 0) return;
+      far += step;
+      for (; near < far; near += kCacheLine) {
+        for (int r = 0; r < kRows; ++r) {
+          _mm_prefetch(reinterpret_cast<const char*>(sources[r] + ahead + near), _MM_HINT_T1);
+        }
+      }
+    };
     int i = 0;
     if constexpr (kChannels == 1 && sizeof(Real) == 4) {
       for (; i + 4 <= count_; i += 4) {
+        fetch(i);
         alignas(32) float sums[4][kGroup];
         for (int k = 0; k < 4; ++k) SumColumn(i + k, sums[k]);
         for (int r = 0; r < rows; r += 4) {
@@ -95,6 +114,7 @@ class AntialiasColumns {
       }
     }
     for (; i < count_; ++i) {
+      fetch(i);
       alignas(32) Real sums[kGroup];
       SumColumn(i, sums);
       for (int r = 0; r < rows; ++r) {

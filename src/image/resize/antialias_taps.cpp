@@ -48,22 +48,46 @@ double WidenedKernel::SumOf(const Taps& taps) const {
   return sum;
 }
 
-template <class Real, class Stored>
-void WidenedKernel::GetWeights(const Taps& taps, Stored* weights) const {
-  double sum = 0;
-  if constexpr (sizeof(Stored) == sizeof(double)) {
-    for (int k = 0; k < taps.count; ++k) sum += weights[k] = WeightAt(taps, k);
-    for (int k = 0; k < taps.count; ++k) weights[k] = static_cast<Real>(weights[k] / sum);
-  } else {
-    sum = SumOf(taps);
-    for (int k = 0; k < taps.count; ++k) {
-      weights[k] = static_cast<Real>(WeightAt(taps, k) / sum);
-    }
-  }
+namespace {
+
+// Pixels at the same place between source pixels have the same weights. Distances from a centre are
+// exact in double precision where the taps lie at or above 0.
+bool SameWeights(const WidenedKernel::Taps& a, const WidenedKernel::Taps& b) {
+  return a.first >= 0 && b.first >= 0 && a.count == b.count &&
+         a.centre - a.first == b.centre - b.first;
 }
 
-template void WidenedKernel::GetWeights<float>(const Taps&, float*) const;
-template void WidenedKernel::GetWeights<float>(const Taps&, double*) const;
-template void WidenedKernel::GetWeights<double>(const Taps&, double*) const;
+}  // namespace
+
+template <class Real, class Stored>
+bool WidenedKernel::GetWeights(int pixel, int known, int kept, std::int64_t stride,
+                               Stored* table) const {
+  constexpr int kLongestPeriod = 16;
+  const Taps taps = At(pixel);
+  Stored* const weights = table + pixel % kept * stride;
+  for (int back = 1; back < kept && back <= kLongestPeriod && back <= known; ++back) {
+    if (!SameWeights(taps, At(pixel - back))) continue;
+    const Stored* const before = table + (pixel - back) % kept * stride;
+    for (int k = 0; k < taps.count; ++k) weights[k] = before[k];
+    return false;
+  }
+  // Weights of long kernels are computed twice rather than kept in double precision.
+  constexpr int kKept = 64;
+  double exact[kKept];
+  double sum = 0;
+  for (int k = 0; k < taps.count; ++k) {
+    const double weight = WeightAt(taps, k);
+    if (k < kKept) exact[k] = weight;
+    sum += weight;
+  }
+  for (int k = 0; k < taps.count; ++k) {
+    weights[k] = static_cast<Real>((k < kKept ? exact[k] : WeightAt(taps, k)) / sum);
+  }
+  return true;
+}
+
+template bool WidenedKernel::GetWeights<float>(int, int, int, std::int64_t, float*) const;
+template bool WidenedKernel::GetWeights<float>(int, int, int, std::int64_t, double*) const;
+template bool WidenedKernel::GetWeights<double>(int, int, int, std::int64_t, double*) const;
 
 }  // namespace zov

@@ -27,9 +27,11 @@ class WidenedKernel {
   double WeightAt(const Taps& taps, int tap) const;
   double SumOf(const Taps& taps) const;
 
-  // All weights of a pixel, divided by their sum and rounded to Real.
+  // All weights of a pixel, divided by their sum and rounded to Real, into row pixel % kept of a
+  // table of that stride that got the `known` pixels before it in the same way. Many
+  // reductions repeat after a few pixels; then the weights are copied, and the result is false.
   template <class Real, class Stored>
-  void GetWeights(const Taps& taps, Stored* weights) const;
+  bool GetWeights(int pixel, int known, int kept, std::int64_t stride, Stored* table) const;
 
  private:
   ResizeAxis axis_;

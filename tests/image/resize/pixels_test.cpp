@@ -42,6 +42,36 @@ TYPED_TEST(ResizePixels, AntialiasedMatchesTheReferenceOnRandomGeometry) {
   });
 }
 
+// Images large enough for groups of rows, with the work buffer that they come with.
+TYPED_TEST(ResizePixels, AntialiasedMatchesTheReferenceOnLargerImages) {
+  this->buffer_.Resize(1 << 21);
+  ForEachLevel([this](int level) {
+    constexpr double kFactors[] = {1, 2.0 / 3, 0.5, 0.37, 0.25, 1.5};
+    int round = 0;
+    for (int method : {ZOV_INTERP_LINEAR, ZOV_INTERP_CUBIC, ZOV_INTERP_CUBIC_CATMULLROM,
+                       ZOV_INTERP_CUBIC_MIXED, ZOV_INTERP_LANCZOS}) {
+      for (double factor : kFactors) {
+        const auto upTo = [this](int n) {
+          return static_cast<int>(this->random_() % static_cast<unsigned>(n));
+        };
+        Case c;
+        c.srcSize = {30 + upTo(130), 90 + upTo(60)};
+        c.srcRoi = {0, 0, c.srcSize.width, c.srcSize.height};
+        c.xFactor = factor;
+        c.yFactor = ++round % 4 == 0 ? kFactors[upTo(5)] : factor;
+        c.xShift = c.yShift = round % 3 == 0 ? 0.3 : 0;
+        c.dstSize = {static_cast<int>(c.srcSize.width * c.xFactor) + 1,
+                     static_cast<int>(c.srcSize.height * c.yFactor) + 1};
+        c.dstRoi = {0, 0, c.dstSize.width, c.dstSize.height};
+        if (upTo(3) == 0) c.dstRoi = {2, 5, c.dstSize.width - 2, c.dstSize.height - 6};
+        c.interpolation = method | ZOV_RESIZE_ANTIALIAS;
+        this->CheckCase(level, c, zovStsNoErr);
+        if (this->HasFatalFailure()) return;
+      }
+    }
+  });
+}
+
 // Extents around the vectors and windows of the kernels, at ratios on either side of each limit.
 TYPED_TEST(ResizePixels, MatchTheReferenceAtTheLimitsOfWindows) {
   ForEachLevel([this](int level) {

@@ -139,6 +139,22 @@ double ReferencePixel(const Taps& columns, const Taps& rows, Element element) {
   return value;
 }
 
+// The byte of an antialiased pixel, whose sums are defined to the last bit: lines in double
+// precision, then rounded to single precision, as are the products and sums along the column.
+template <class Element>
+int AntialiasedByte(const Taps& columns, const Taps& rows, Element element) {
+  float value = 0;
+  for (const Tap& row : rows) {
+    double line = 0;
+    for (const Tap& column : columns) {
+      line +=
+          static_cast<double>(static_cast<float>(column.weight)) * element(column.index, row.index);
+    }
+    value += static_cast<float>(line) * static_cast<float>(row.weight);
+  }
+  return std::clamp(static_cast<int>(static_cast<double>(value) + 0.5000001), 0, 255);
+}
+
 // The value as a byte, rounded; either neighbour does when the value is within `hair` of a half.
 inline int ByteOf(double value) {
   return static_cast<int>(std::clamp(std::floor(value + 0.5), 0.0, 255.0));
