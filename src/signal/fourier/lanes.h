@@ -53,8 +53,7 @@ ZOV_INLINE void Unroll(F f) {
 // (im, re) of each pair.
 template <class T, int N>
 ZOV_INLINE Vec<T, N> SwapParts(Vec<T, N> a) {
-  // Left to itself, the compiler takes a shuffle of integers, which costs a crossing between units.
-  if constexpr (N == 2) return {_mm_shuffle_pd(a.v, a.v, 1)};
+  if constexpr (N == 2) return {__builtin_shufflevector(a.v, a.v, 1, 0)};
   if constexpr (N == 4) return {__builtin_shufflevector(a.v, a.v, 1, 0, 3, 2)};
   if constexpr (N == 8) return {__builtin_shufflevector(a.v, a.v, 1, 0, 3, 2, 5, 4, 7, 6)};
 }

@@ -32,13 +32,9 @@ struct RefinedRoot {
   ZOV_INLINE Pack<VecF, K> Block(Load load) {
     Pack<VecF, K> root;
     VecF sum = VecF::Zero();
-    // The others keep the hardware's square root busy meanwhile, which is quick on short vectors.
-    constexpr int kRefined = K == 1 || kLevel < Level::avx ? 1 : K - 1;
-    Unroll<K - kRefined>([&](int k) __attribute__((always_inline)) {
-      const VecF exact = Sqrt(load(kRefined + k));
-      root.v[kRefined + k] = exact;
-      sum = k == 0 ? exact : sum + exact;
-    });
+    // One of several vectors keeps the hardware's square root busy meanwhile.
+    constexpr int kRefined = K > 1 ? K - 1 : 1;
+    if constexpr (K > 1) sum = root.v[kRefined] = Sqrt(load(kRefined));
     Unroll<kRefined>([&](int k) __attribute__((always_inline)) {
       const VecF x = load(k);
       const VecF r = ApproxReciprocalSqrt(x);
