@@ -22,7 +22,10 @@ void HalveRow(const Zov8u* upper, const Zov8u* lower, const AreaMeans<Zov8u, std
     return InOrder(PackSaturated(words(i), words(i + kWords)));
   };
   int i = 0;
-  for (; i + kBlock <= count; i += kBlock) writer.Write(block(i), at + i);
+  for (; i + kBlock <= count; i += kBlock) {
+    PrefetchNext(upper, lower, 2 * i);
+    writer.Write(block(i), at + i);
+  }
   if (i == count) return;
   if (count >= kBlock) {
     block(count - kBlock).Store(writer.At(at + count - kBlock));
@@ -40,6 +43,7 @@ void HalveRow(const Zov8u* upper, const Zov8u* lower, const AreaMeans<Zov32f, Zo
               int count, const RowWriter& writer, std::int64_t at) {
   int i = 0;
   for (; i + VecF::kLanes <= count; i += VecF::kLanes) {
+    PrefetchNext(upper, lower, 8 * i);
     const TwoVectors<VecF> u = LoadTwo<VecF>(upper + 8 * i);
     const TwoVectors<VecF> l = LoadTwo<VecF>(lower + 8 * i);
     const TwoVectors<VecF> sums = {VecF::Zero() + u.a + l.a, VecF::Zero() + u.b + l.b};

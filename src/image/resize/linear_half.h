@@ -47,6 +47,7 @@ class HalfMeansReal {
     int i = 0;
     for (; i + V::kLanes <= count; i += V::kLanes) {
       const int source = 2 * i * kElement;
+      PrefetchNext(upper, lower, source);
       writer.Write(InOrder(Lerp<true>(line(upper + source), line(lower + source), half)),
                    at + i * kElement);
     }

@@ -195,19 +195,16 @@ TYPED_TEST(ResizePixels, HalvesLargeImages) {
   this->dst_.Resize(kBytes);
   this->buffer_.Resize(1 << 18);
   ForEachLevel([this](int level) {
-    for (double shift : {0.0, 0.5}) {
-      Case c;
-      c.srcSize = {2 * kWidth, 2 * kHeight};
-      c.srcRoi = {0, 0, 2 * kWidth, 2 * kHeight};
-      c.dstSize = {kWidth, kHeight};
-      c.dstRoi = {0, 0, kWidth, kHeight};
-      c.xFactor = c.yFactor = 0.5;
-      c.xShift = shift;
-      c.yShift = 0;
-      c.interpolation = ZOV_INTERP_LINEAR;
-      this->CheckCase(level, c, zovStsNoErr, true, 17);
-      if (this->HasFatalFailure()) return;
-    }
+    Case c;
+    c.srcSize = {2 * kWidth, 2 * kHeight};
+    c.srcRoi = {0, 0, 2 * kWidth, 2 * kHeight};
+    c.dstSize = {kWidth, kHeight};
+    c.dstRoi = {0, 0, kWidth, kHeight};
+    c.xFactor = c.yFactor = 0.5;
+    c.xShift = level % 2 * 0.5;
+    c.yShift = 0;
+    c.interpolation = ZOV_INTERP_LINEAR;
+    this->CheckCase(level, c, zovStsNoErr, true, 17);
   });
 }
 
