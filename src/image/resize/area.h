@@ -65,10 +65,11 @@ class AreaReduction {
 
   void ReduceRows(int rows) {
     const int end = LastOf(plan_[planned_ - 1]) + 1;
+    const bool inside = FirstOf(rows_[0]) >= 0 && LastOf(rows_[rows - 1]) < geometry_.y.extent;
     Walk walk;
     for (int column = FirstOf(plan_[0]); column < end; column += kStrip) {
       const int width = end - column < kStrip ? end - column : kStrip;
-      for (int r = 0; r < rows; ++r) SumRows(rows_[r], column, width * kChannels, Line(r));
+      SumRows(inside, column, width, rows);
       Turn(width);
       SumColumns(column, column + width, rows, &walk);
     }
@@ -89,6 +90,14 @@ class AreaReduction {
   }
 
   Sum* Line(int row) { return reinterpret_cast<Sum*>(lines_) + row * kEntries; }
+
+  // Not inline: the loops of a strip and those over its columns compete for registers.
+  ZOV_NOINLINE void SumRows(bool inside, int column, int width, int rows) {
+    if (!inside || column < 0 || column + width > geometry_.x.extent) {
+      return SumAcrossEdges(column, width, rows);
+    }
+    for (int r = 0; r < rows; ++r) SumRows(rows_[r], column, width * kChannels, Line(r));
+  }
 
   // Sums the source rows of a span, from the first to the last.
   ZOV_INLINE void SumRows(const AreaSpan& span, int column, int entries, Sum* line) const {
@@ -112,6 +121,38 @@ class AreaReduction {
     if (span.tail > 0) AddWeighted(row(span.tailAt), span.tail, fresh, entries, line);
   }
 
+  static ZOV_INLINE int InImage(int place, const ResizeAxis& axis) {
+    return place < 0 ? 0 : place < axis.extent ? place : axis.extent - 1;
+  }
+
+  // The same of all rows where rows or columns lie outside the image: in the same order, one by
+  // one.
+  ZOV_NOINLINE void SumAcrossEdges(int column, int width, int rows) {
+    const int first = InImage(column, geometry_.x);
+    const int read = InImage(column + width - 1, geometry_.x) - first + 1;
+    const int before = first > column ? first - column : 0;
+    for (int r = 0; r < rows; ++r) {
+      const AreaSpan& span = rows_[r];
+      Sum* const line = Line(r);
+      bool fresh = true;
+      for (int k = -1; k <= span.count; ++k) {
+        const bool isHead = k < 0;
+        const bool isTail = k == span.count;
+        const double weight = isHead ? span.head : isTail ? span.tail : kUnits;
+        if (!(weight > 0)) continue;
+        const int y = isHead ? span.headAt : isTail ? span.tailAt : span.begin + k;
+        AddWeighted(source_.Row(InImage(y, geometry_.y)) + std::int64_t{first} * kPixelBytes,
+                    weight, fresh, read * kChannels, line);
+        fresh = false;
+      }
+      if (read == width) continue;
+      for (int i = width - 1; i >= 0; --i) {
+        const int from = i < before ? 0 : i - before < read ? i - before : read - 1;
+        for (int c = 0; c < kChannels; ++c) line[i * kChannels + c] = line[from * kChannels + c];
+      }
+    }
+  }
+
   static Sum Pixel(const Zov8u* row, int i) {
     return static_cast<Sum>(LoadAs<T>(row + i * static_cast<int>(sizeof(T))));
   }
@@ -120,7 +161,7 @@ class AreaReduction {
   }
 
   template <int kCount>
-  void Add(const Zov8u* rows, bool fresh, int entries, Sum* line) const {
+  ZOV_INLINE void Add(const Zov8u* rows, bool fresh, int entries, Sum* line) const {
     const std::ptrdiff_t step = source_.step;
     int i = 0;
     for (; i + V::kLanes <= entries; i += V::kLanes) {
@@ -136,7 +177,8 @@ class AreaReduction {
     }
   }
 
-  void AddWeighted(const Zov8u* row, double weight, bool fresh, int entries, Sum* line) const {
+  ZOV_INLINE void AddWeighted(const Zov8u* row, double weight, bool fresh, int entries,
+                              Sum* line) const {
     int i = 0;
     for (; i + V::kLanes <= entries; i += V::kLanes) {
       const V sum = fresh ? V::Zero() : V::LoadAligned(line + i);

@@ -65,7 +65,7 @@ bool ReduceByHalf(const SourceView& source, const TargetView& target,
   const AreaSpan row = AreaSpans(geometry.y, AreaDirection::rows, true).Next();
   const auto isHalf = [](const AreaSpan& first, const ResizeAxis& axis) {
     return first.count == 2 && first.head == 0 && first.tail == 0 &&
-           first.begin + std::int64_t{2} * axis.count <= axis.extent;
+           static_cast<std::uint32_t>(first.begin) + std::int64_t{2} * axis.count <= axis.extent;
   };
   if (!isHalf(column, geometry.x) || !isHalf(row, geometry.y)) return false;
   constexpr std::int64_t kPixelBytes = kChannels * sizeof(T);

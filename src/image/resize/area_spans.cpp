@@ -10,6 +10,7 @@ namespace {
 constexpr double kHair = 1e-10;        // of coordinates
 constexpr double kWeightFloor = 1e-7;  // weights up to here are dropped
 constexpr double kLimit = 1LL << 50;   // counts beyond it have no meaning and must not overflow
+constexpr int kMargin = 1 << 12;       // pixels beyond the image that are counted one by one
 
 std::int64_t ToCount(double x) {
   return static_cast<std::int64_t>(x > -kLimit ? (x < kLimit ? x : kLimit) : -kLimit);
@@ -109,21 +110,23 @@ AreaSpan AreaSpans::Next() {
   }
   double tail = fraction_ > kWeightFloor ? fraction_ : 0;
 
-  // Pixels outside the image are its outermost ones once more.
-  const std::int64_t last = extent_ - 1;
+  // Factors near 0 put so many pixels beyond the image that only their weight matters.
+  const std::int64_t margin = extent_ < 1 << 30 ? kMargin : 0;
+  const std::int64_t low = -margin;
+  const std::int64_t end = extent_ + margin;
   std::int64_t begin = place_ + (head > 0 ? 1 : 0);
   std::int64_t count = ToCount(pixels);
   const std::int64_t tailPlace = begin + count;
   if (direction_ == AreaDirection::columns && !isFirst_ && tailPlace >= end_) tail = 0;
-  const std::int64_t before = Clamp(-begin, 0, count);
-  const std::int64_t after = Clamp(tailPlace - extent_, 0, count - before);
+  const std::int64_t before = Clamp(low - begin, 0, count);
+  const std::int64_t after = Clamp(tailPlace - end, 0, count - before);
   AreaSpan span;
   span.head = head + static_cast<double>(before);
   span.tail = tail + static_cast<double>(after);
-  span.headAt = static_cast<int>(Clamp(place_, 0, last));
-  span.begin = static_cast<int>(Clamp(begin + before, 0, last));
+  span.headAt = static_cast<int>(Clamp(place_, low, end - 1));
+  span.begin = static_cast<int>(Clamp(begin + before, low, end - 1));
   span.count = static_cast<int>(count - before - after);
-  span.tailAt = static_cast<int>(Clamp(tailPlace, 0, last));
+  span.tailAt = static_cast<int>(Clamp(tailPlace, low, end - 1));
   isFirst_ = false;
   place_ = tailPlace;
   return span;

@@ -9,9 +9,9 @@
 namespace zov {
 
 // A destination pixel is the sum of a weighted pixel, `count` pixels of weight
-// 1 and another weighted one. A weight of 0 means none. All indices lie in the
-// image: what a span covers beyond it counts as repeats of the outermost pixel
-// and is part of the weights.
+// 1 and another weighted one. A weight of 0 means none. Indices may lie outside
+// the image, where its outermost pixel is repeated; what a span covers far
+// outside is part of the weights.
 struct AreaSpan {
   double head;
   double tail;

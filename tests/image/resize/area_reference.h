@@ -47,6 +47,79 @@ inline Taps AreaTapsOf(const ReferenceAxis& axis, const WrittenAxis& written, in
   return taps;
 }
 
+// The same with every rounding: the shares of an axis in the order of their addition, what one
+// destination pixel leaves of a source pixel going to the next.
+class AreaWalk {
+ public:
+  AreaWalk(const ReferenceAxis& axis, const WrittenAxis& written)
+      : inverse_(axis.Inverse()), extent_(axis.extent), count_(written.count) {
+    const double start = written.first * axis.Inverse() + axis.Offset();
+    begin_ = start >= 0 ? std::floor(start + 1e-10) : std::floor(start - 1e-10);
+    share_ = Fraction(1.0 - start + begin_);
+    end_ = std::ceil(count_ * inverse_ - 1e-10 + start);
+    if (start < 0) {
+      const double beyond = std::max(end_ - extent_, 0.0);
+      end_ = std::min<double>(end_ - begin_ - beyond, extent_) + beyond;
+    }
+  }
+
+  // Whether the axis may be taken as blocks of whole pixels.
+  bool IsWhole() const { return !(Fraction(inverse_) > kFloor) && !(Fraction(share_) > kFloor); }
+
+  std::vector<Taps> All(bool rows, bool whole) const {
+    std::vector<Taps> all(static_cast<std::size_t>(count_));
+    double place = begin_;
+    double rest = 0;  // share of the pixel at `place` that has been given away
+    for (int i = 0; i < count_; ++i) {
+      Taps& taps = all[static_cast<std::size_t>(i)];
+      const auto add = [&](double weight) {
+        taps.push_back({static_cast<int>(std::clamp(place, 0.0, extent_ - 1.0)), weight});
+      };
+      const double head = whole ? 0 : i > 0 ? 1 - rest : share_;
+      const bool counts = head > (i > 0 ? kFloor : 1e-10);
+      const double left = i > 0 || counts ? inverse_ - head : inverse_;
+      double pixels = std::floor(i > 0 || counts ? kFloor + left : left);
+      rest = whole ? 0 : left - pixels;
+      if (whole) pixels = std::floor(inverse_);
+      if (counts) {
+        add(head);
+        ++place;
+      } else if (i > 0 && !whole && !rows) {
+        ++pixels;  // a column's rest too small to count is taken whole
+      }
+      for (; pixels > 0; --pixels, ++place) add(1);
+      if (rest > kFloor && (rows || i == 0 || place < end_)) add(rest);
+    }
+    return all;
+  }
+
+ private:
+  static constexpr double kFloor = 1e-7;  // shares up to here are dropped
+
+  static double Fraction(double x) { return x - std::trunc(x); }
+
+  double inverse_;
+  int extent_;
+  int count_;
+  double begin_;
+  double share_;
+  double end_;
+};
+
+// Sums of the rows of each column, then of these, each rounded to Sum.
+template <class Sum, class Element>
+Sum AreaSum(const Taps& columns, const Taps& rows, Element element) {
+  Sum sum = 0;
+  for (const Tap& column : columns) {
+    Sum line = 0;
+    for (const Tap& row : rows) {
+      line += static_cast<Sum>(element(column.index, row.index) * row.weight);
+    }
+    sum += static_cast<Sum>(static_cast<double>(line) * column.weight);
+  }
+  return sum;
+}
+
 // An image between guard pages, whose rows may lie bottom-up and apart; all else holds filler.
 class FramedImage {
  public:
