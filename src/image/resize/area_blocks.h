@@ -69,16 +69,13 @@ bool ReduceByHalf(const SourceView& source, const TargetView& target,
   };
   if (!isHalf(column, geometry.x) || !isHalf(row, geometry.y)) return false;
   constexpr std::int64_t kPixelBytes = kChannels * sizeof(T);
-  const std::int64_t rowBytes = geometry.x.count * kPixelBytes;
   const TargetView rows = {target.Row(geometry.y.first) + geometry.x.first * kPixelBytes,
                            target.step};
-  const bool streams = RowWriter::Suits(rows.origin, rows.step, rowBytes, geometry.y.count);
   for (int y = 0; y < geometry.y.count; ++y) {
     const Zov8u* const upper = source.Row(row.begin + 2 * y) + column.begin * kPixelBytes;
     HalveRow<kChannels>(upper, upper + source.step, means, geometry.x.count * kChannels,
-                        RowWriter(rows.Row(y), rowBytes, streams), 0);
+                        RowWriter(rows.Row(y)), 0);
   }
-  if (streams) _mm_sfence();
   return true;
 }
 

@@ -41,43 +41,20 @@ ZOV_INLINE void CopyBytes(const Zov8u* src, Zov8u* dst, std::int64_t bytes) {
   for (; i < bytes; ++i) dst[i] = src[i];
 }
 
-// Writes rows of vectors. A large image bypasses the cache, except for the ends of its rows, where
-// pixels at the image edge are written once more. Streaming needs rows on vector boundaries.
+// Writes rows of vectors. No image is large enough to bypass the cache: on processors whose stores
+// wait for memory in a few line buffers, rows go out faster by way of the cache.
 class RowWriter {
  public:
-  RowWriter(Zov8u* row, std::int64_t bytes, bool streams)
-      : row_(row),
-        streamed_(streams && bytes > 2 * kRowEnd ? static_cast<std::uint64_t>(bytes - 2 * kRowEnd)
-                                                 : 0) {}
-
-  ZOV_INLINE bool Streams(std::int64_t i) const {
-    return static_cast<std::uint64_t>(i - kRowEnd) < streamed_;
-  }
+  explicit RowWriter(Zov8u* row) : row_(row) {}
 
   template <class V>
   ZOV_INLINE void Write(V v, std::int64_t i) const {
-    if (Streams(i)) {
-      v.Stream(row_ + i);
-    } else {
-      v.Store(row_ + i);
-    }
+    v.Store(row_ + i);
   }
   Zov8u* At(std::int64_t i) const { return row_ + i; }
 
-  // Whether an image is large enough to bypass the cache, and can.
-  static bool Suits(const Zov8u* row, std::ptrdiff_t step, std::int64_t rowBytes, int rows) {
-    constexpr std::int64_t kLargeImage = 4 << 20;
-    constexpr std::uintptr_t kMask = kFloatVectorBytes - 1;
-    const std::uintptr_t places =
-        reinterpret_cast<std::uintptr_t>(row) | static_cast<std::uintptr_t>(step);
-    return rowBytes * rows >= kLargeImage && (places & kMask) == 0;
-  }
-
  private:
-  static constexpr std::int64_t kRowEnd = 64;
-
   Zov8u* row_;
-  std::uint64_t streamed_;  // bytes from kRowEnd on
 };
 
 // Writes the first `count` bytes of a vector, fewer than all.

@@ -46,7 +46,6 @@ class KernelResize {
         xBands_(FindBands(geometry.x, kTaps / 2)),
         yBands_(FindBands(geometry.y, kTaps / 2)),
         rowBytes_(std::int64_t{width_} * kPixelBytes),
-        streams_(RowWriter::Suits(dst_.origin, dst_.step, rowBytes_, y_.count)),
         arena_(workBuffer),
         // Whole vectors of pixels, of columns and of bands that begin at any column.
         padded_((width_ + kPadding - 1) / kPadding * kPadding),
@@ -58,7 +57,6 @@ class KernelResize {
     BandRows(0, yBands_.near);
     InnerRows(yBands_.near, y_.count - yBands_.far);
     BandRows(y_.count - yBands_.far, y_.count);
-    if (streams_) _mm_sfence();
   }
 
  private:
@@ -121,8 +119,7 @@ class KernelResize {
     const int farBegin = width_ - xBands_.far;
     if (xBands_.near < farBegin) {
       const std::int64_t elements = std::int64_t{width_} * kChannels;
-      const RowWriter writers[2] = {RowWriter(dst_.Row(row), rowBytes_, streams_),
-                                    RowWriter(dst_.Row(row + rows - 1), rowBytes_, streams_)};
+      const RowWriter writers[2] = {RowWriter(dst_.Row(row)), RowWriter(dst_.Row(row + rows - 1))};
       if constexpr (kTaps == 4) {
         if (rows == 2) CombineLines<T, kTaps, 2>(lines, weights, writers, elements);
       }
@@ -145,7 +142,6 @@ class KernelResize {
   ResizeBands xBands_;
   ResizeBands yBands_;
   std::int64_t rowBytes_;
-  bool streams_;
   WorkArena arena_;
   int padded_;
   Columns columns_;

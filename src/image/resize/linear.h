@@ -39,7 +39,6 @@ class LinearResize {
         x_(geometry.x),
         y_(geometry.y),
         rowBytes_(std::int64_t{geometry.x.count} * kPixelBytes),
-        streams_(RowWriter::Suits(dst_.origin, dst_.step, rowBytes_, geometry.y.count)),
         arena_(workBuffer),
         kernel_(&arena_, x_.axis, x_.bands),
         lines_(arena_.Take<Line>(2 * kernel_.LineLength())) {}
@@ -48,7 +47,6 @@ class LinearResize {
     BandRows(0, y_.bands.near, 0);
     InnerRows();
     BandRows(y_.axis.count - y_.bands.far, y_.bands.far, y_.axis.extent - 1);
-    if (streams_) _mm_sfence();
   }
 
  private:
@@ -64,7 +62,7 @@ class LinearResize {
     return {srcY, Kernel::MakeWeight(fraction)};
   }
 
-  RowWriter Writer(int row) const { return RowWriter(dst_.Row(row), rowBytes_, streams_); }
+  RowWriter Writer(int row) const { return RowWriter(dst_.Row(row)); }
   const Zov8u* LastPixel(const Zov8u* srcRow) const {
     return srcRow + static_cast<std::int64_t>(x_.axis.extent - 1) * kPixelBytes;
   }
@@ -155,7 +153,6 @@ class LinearResize {
   LinearAxis x_;
   LinearAxis y_;
   std::int64_t rowBytes_;
-  bool streams_;
   WorkArena arena_;
   Kernel kernel_;
   Line* lines_;

@@ -279,13 +279,8 @@ class Linear8u {
     std::int64_t i = 0;
     for (; i + kBlockBytes <= bytes; i += kBlockBytes) {
       block(i, out);
-      if (first.Streams(i)) {
-        out[0].Stream(first.At(i));
-        if constexpr (kRows == 2) out[1].Stream(second.At(i));
-      } else {
-        out[0].Store(first.At(i));
-        if constexpr (kRows == 2) out[1].Store(second.At(i));
-      }
+      first.Write(out[0], i);
+      if constexpr (kRows == 2) second.Write(out[1], i);
     }
     if (i < bytes) {
       block(i, out);

@@ -92,9 +92,7 @@ class LinearHalf {
   // Every row of the interior has two source rows of its own.
   template <int>
   void Combine(const LinePair<Line>& lines, const Weight*, const RowWriter* writer) const {
-    // Vectors that do not begin with the row are not aligned.
-    const RowWriter& target = begin_ == 0 ? *writer : RowWriter(writer->At(0), 0, false);
-    means_(lines.upperRow + source_, lines.lowerRow + source_, count_, target,
+    means_(lines.upperRow + source_, lines.lowerRow + source_, count_, *writer,
            std::int64_t{begin_} * kElement);
   }
 

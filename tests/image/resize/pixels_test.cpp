@@ -163,51 +163,6 @@ TYPED_TEST(ResizePixels, HalvesExactly) {
   });
 }
 
-// Images of several megabytes are written past the cache.
-TYPED_TEST(ResizePixels, MatchTheReferenceOnLargeImages) {
-  constexpr int kWidth = 1024;
-  constexpr int kHeight = (4 << 20) / (kWidth * TypeParam::kPixelBytes) + 5;
-  this->dst_.Resize(std::size_t{kWidth} * kHeight * TypeParam::kPixelBytes);
-  this->buffer_.Resize(1 << 18);
-  ForEachLevel([this](int level) {
-    for (int method : {ZOV_INTERP_NEAREST, ZOV_INTERP_LINEAR, ZOV_INTERP_CUBIC}) {
-      Case c;
-      c.srcSize = {300, 40};
-      c.srcRoi = {0, 0, 300, 40};
-      c.dstSize = {kWidth, kHeight};
-      c.dstRoi = {0, 0, kWidth, kHeight};
-      c.xFactor = kWidth / 300.0;
-      c.yFactor = kHeight / 40.0;
-      c.xShift = c.yShift = 0;
-      c.interpolation = method;
-      this->CheckCase(level, c, zovStsNoErr, true, 7);
-      if (this->HasFatalFailure()) return;
-    }
-  });
-}
-
-// The same by one half; a shift puts the vectors off their boundaries.
-TYPED_TEST(ResizePixels, HalvesLargeImages) {
-  constexpr int kWidth = 1024;
-  constexpr int kHeight = (4 << 20) / (kWidth * TypeParam::kPixelBytes) + 5;
-  constexpr std::size_t kBytes = std::size_t{kWidth} * kHeight * TypeParam::kPixelBytes;
-  this->src_.Resize(4 * kBytes + (1 << 18));
-  this->dst_.Resize(kBytes);
-  this->buffer_.Resize(1 << 18);
-  ForEachLevel([this](int level) {
-    Case c;
-    c.srcSize = {2 * kWidth, 2 * kHeight};
-    c.srcRoi = {0, 0, 2 * kWidth, 2 * kHeight};
-    c.dstSize = {kWidth, kHeight};
-    c.dstRoi = {0, 0, kWidth, kHeight};
-    c.xFactor = c.yFactor = 0.5;
-    c.xShift = level % 2 * 0.5;
-    c.yShift = 0;
-    c.interpolation = ZOV_INTERP_LINEAR;
-    this->CheckCase(level, c, zovStsNoErr, true, 17);
-  });
-}
-
 constexpr int kKernels[] = {ZOV_INTERP_CUBIC, ZOV_INTERP_CUBIC_BSPLINE, ZOV_INTERP_CUBIC_CATMULLROM,
                             ZOV_INTERP_CUBIC_MIXED, ZOV_INTERP_LANCZOS};
 
