@@ -196,7 +196,7 @@ struct Narrow32f16s {
 // To nearest is defined by the addition of one half, which takes the numbers next above one half in
 // magnitude to a tie: they give 0. The sums here leave one half in their place and other numbers at
 // their nearest integer. The low half of such a number is 1, whatever it is scaled with.
-ZOV_INLINE VecD WithoutNextToHalf(VecD x) {
+[[maybe_unused]] ZOV_INLINE VecD WithoutNextToHalf(VecD x) {
   const VecD half = VecD::Broadcast(0.5);
   return ((x + half) - VecD::Broadcast(1.0)) + half;
 }
@@ -370,7 +370,7 @@ ZovStatus zovsConvert_64f32f(const Zov64f* pSrc, Zov32f* pDst, int len) {
   // Joining two halves takes longer than storing them one by one, except beyond the first-level
   // cache.
   constexpr int kLong = 4096;
-  if (VecF::kLanes > Quad::kLanes && len > kLong) return NarrowLong(pSrc, pDst, len);
+  if (kLevel >= Level::avx && len > kLong) return NarrowLong(pSrc, pDst, len);
   return NarrowByPasses<Quad>(pSrc, pDst, len);
 }
 
