@@ -24,10 +24,19 @@ ZOV_INLINE bool Overlap(const S* pSrc, std::int64_t srcLen, const D* pDst, std::
          dst < src + static_cast<std::uintptr_t>(srcLen) * sizeof(S);
 }
 
+// One element of an array whose bytes a store of another type may just have changed: the compiler
+// may not load it before that store.
+template <class T>
+ZOV_INLINE T LoadElement(const T* p) {
+  T x;
+  __builtin_memcpy(&x, p, sizeof x);
+  return x;
+}
+
 template <class Conversion, class S, class D>
 ZOV_INLINE void ConvertOneByOne(const Conversion& conversion, const S* pSrc, D* pDst, int begin,
                                 int len) {
-  for (int i = begin; i < len; ++i) pDst[i] = conversion.One(pSrc[i]);
+  for (int i = begin; i < len; ++i) pDst[i] = conversion.One(LoadElement(pSrc + i));
 }
 
 // A conversion has kStep, Block (kStep elements) and One (one element), with equal results. One

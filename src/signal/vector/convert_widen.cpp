@@ -178,7 +178,7 @@ ZovStatus zovsSplitScaled_16s32f_D2L(const Zov16s* pSrc, Zov32f** ppDst, int num
   if (overlap) {
     for (int c = 0; c < numChannels; ++c) {
       for (std::int64_t i = 0; i < length; ++i) {
-        ppDst[c][i] = scale.One(pSrc[i * numChannels + c]);
+        ppDst[c][i] = scale.One(LoadElement(pSrc + i * numChannels + c));
       }
     }
   } else if (numChannels == 1) {
