@@ -158,11 +158,12 @@ def build():
     fit("SinQuarterA24", "sin(r) = r P(r^2), |r| <= pi/4", minimax(sin_ratio, weight, 0, s, 4), "double")
     fit("CosQuarterA24", "cos(r) = P(r^2), |r| <= pi/4",
         minimax(lambda x: cos(sqrt(x)), lambda x: 1 / cos(sqrt(x)), 0, s, 5), "double")
-    # asin, argument up to 1/2
-    for name, degree, kind in (("AsinA11", 1, "float"), ("AsinA24", 7, "double")):
-        fit(name, "asin(w) = w + w^3 P(w^2), |w| <= 1/2",
-            minimax(rest_of_square(asin), rest_weight(asin), mpf(10)**-9, mpf(1) / 4, degree), kind)
     acos_ratio = lambda x: acos(x) / sqrt(1 - x) if x < 1 else sqrt(mpf(2))
+    fit("AsinA11", "asin(x) = pi/2 - sqrt(1 - x) P(x), 1/48 <= x <= 1",
+        minimax(acos_ratio, lambda x: sqrt(1 - x) / asin(x), mpf(1) / 48, 1 - mpf(10)**-12, 3))
+    # argument up to 1/2
+    fit("AsinA24", "asin(w) = w + w^3 P(w^2), |w| <= 1/2",
+        minimax(rest_of_square(asin), rest_weight(asin), mpf(10)**-9, mpf(1) / 4, 7), "double")
     fit("AcosA11", "acos(x) = sqrt(1 - x) P(x), 0 <= x <= 1, exact at zero",
         through(acos_ratio, lambda x: 1 / acos_ratio(x), mpf(10)**-9, 1 - mpf(10)**-9, 3, mpf(0), pi / 2))
     # atan, argument up to 1

@@ -1,4 +1,5 @@
-// Arc sine and arc cosine. Above 1/2, asin(x) = pi/2 - 2 asin(sqrt((1 - x) / 2)).
+// Arc sine and arc cosine. In double precision, above 1/2: asin(x) = pi/2 - 2 asin(sqrt((1 - x) /
+// 2)).
 #include "signal/vm/coefficients.h"
 #include "signal/vm/frame.h"
 #include "signal/vm/kernel_table.h"
@@ -18,15 +19,13 @@ struct ArcSineKernel {
   }
 };
 
+// asin(x) = pi/2 - sqrt(1 - x) P(x), and below 1/48, where that difference loses bits, x itself.
 struct ShortAsin : ArcSineKernel {
   static ZOV_INLINE F Evaluate(I& special, F x) {
     MarkOutside(special, x);
     const F a = Abs(x);
-    const I upper = a > Splat(0.5F);
-    const F s = Select(upper, Fma(a, Splat(-0.5F), Splat(0.5F)), a * a);
-    const F w = Select(upper, FastSqrt(s), a);
-    const F p = Fma(w * s, Polynomial(s, kAsinA11), w);
-    return Select(upper, Fma(p, Splat(-2.0F), Splat(kHalfPi)), p) ^ SignOf(x);
+    const F y = FastSqrt(Splat(1.0F) - a) * Polynomial(a, kAsinA11);
+    return Select(Splat(1.0F / 48) > a, a, Splat(kHalfPi) - y) ^ SignOf(x);
   }
 };
 

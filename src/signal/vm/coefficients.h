@@ -1,5 +1,6 @@
-// Polynomial coefficients, constant term first, made by scripts/vm_coefficients.py. The
-// figure after each comment is the relative error of the fit in bits, rounding apart.
+// Polynomial coefficients, constant term first, made by
+// scripts/vm_coefficients.py. The figure after each comment is the relative
+// error of the fit in bits, rounding apart.
 #pragma once
 
 #include "core/level.h"
@@ -65,8 +66,8 @@ constexpr double kSinQuarterA24[] = {0x1.fffffffff5fe6p-1, -0x1.55555548e333dp-3
 constexpr double kCosQuarterA24[] = {0x1.ffffffffffdb1p-1,  -0x1.ffffffffdff26p-2,
                                      0x1.555555430e70fp-5,  -0x1.6c16b209af97bp-10,
                                      0x1.a00e39881ba71p-16, -0x1.23b6c3930f8d7p-22};
-// asin(w) = w + w^3 P(w^2), |w| <= 1/2; 14.7
-constexpr float kAsinA11[] = {0x1.5209ep-3F, 0x1.823eaap-4F};
+// asin(x) = pi/2 - sqrt(1 - x) P(x), 1/48 <= x <= 1; 13.1
+constexpr float kAsinA11[] = {0x1.921ebcp+0F, -0x1.b5f5cep-3F, 0x1.4bd7c2p-4F, -0x1.9517b4p-6F};
 // asin(w) = w + w^3 P(w^2), |w| <= 1/2; 39.9
 constexpr double kAsinA24[] = {0x1.55555547deb8bp-3, 0x1.333340871c0afp-4, 0x1.6db25cf60ff45p-5,
                                0x1.f2819cc3b2575p-6, 0x1.6643ee37101f1p-6, 0x1.522e4da7907c9p-6,
