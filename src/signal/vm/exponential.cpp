@@ -68,8 +68,14 @@ struct TableExp {
     const F m = shifted - Splat(11534336.0F);
     const F r = x - m * Splat(0.0054168701171875F) - m * Splat(-1.6577690757912933e-06F);
     const I index = Bits(shifted) & Splat(127);
-    const Exp2Entry* const entry[] = {kExp2Table + index.v[0], kExp2Table + index.v[1],
-                                      kExp2Table + index.v[2], kExp2Table + index.v[3]};
+    // Two at a time: fewer moves between the registers than one by one.
+    const auto places = reinterpret_cast<__m128i>(index.v);
+    const auto low2 = static_cast<std::uint64_t>(_mm_cvtsi128_si64(places));
+    const auto high2 =
+        static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_shuffle_epi32(places, 0xEE)));
+    const Exp2Entry* const entry[] = {
+        kExp2Table + static_cast<std::uint32_t>(low2), kExp2Table + (low2 >> 32),
+        kExp2Table + static_cast<std::uint32_t>(high2), kExp2Table + (high2 >> 32)};
     const auto pair = [](const Exp2Entry* first, const Exp2Entry* second) {
       const __m128d low = _mm_load_sd(reinterpret_cast<const double*>(first));
       return _mm_castpd_ps(_mm_loadh_pd(low, reinterpret_cast<const double*>(second)));
