@@ -61,6 +61,9 @@ ZOV_INLINE Vec<T, N> SwapParts(Vec<T, N> a) {
 // (re, re) and (im, im) of each pair.
 template <class T, int N>
 ZOV_INLINE Vec<T, N> RealParts(Vec<T, N> a) {
+#if defined(__AVX__)
+  if constexpr (N == 4 && sizeof(T) == 8) return {_mm256_movedup_pd(a.v)};
+#endif
   if constexpr (N == 2) return {__builtin_shufflevector(a.v, a.v, 0, 0)};
   if constexpr (N == 4) return {__builtin_shufflevector(a.v, a.v, 0, 0, 2, 2)};
   if constexpr (N == 8) return {__builtin_shufflevector(a.v, a.v, 0, 0, 2, 2, 4, 4, 6, 6)};

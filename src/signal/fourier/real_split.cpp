@@ -20,6 +20,16 @@ ZOV_INLINE V FarOrder(V a) {
   }
 }
 
+// conj(a - b).
+template <class V>
+ZOV_INLINE V ConjugateOfDifference(V a, V b) {
+#if defined(__FMA__)
+  return MulSubAdd(a, Conjugate(V::Broadcast(1)), b);
+#else
+  return Conjugate(a - b);
+#endif
+}
+
 // From z = Z[k] and y = Z[M - k] with the factors w = (c, s) the values X[k] and X[M - k].
 template <Formula kFormula, class T>
 ZOV_INLINE void SplitPair(Interleaved<T>& z, Interleaved<T>& y, Interleaved<T> w) {
@@ -53,14 +63,9 @@ ZOV_INLINE void SplitPair(Interleaved<T>& z, Interleaved<T>& y, Interleaved<T> w
   const V turned = SwapParts(difference) * RealParts(w.v);
   const V change = kFormula == Formula::inverse ? FusedSubAdd(difference, ImagParts(w.v), turned)
                                                 : FusedAddSub(difference, ImagParts(w.v), turned);
-  if constexpr (kFormula == Formula::forward) {
-    const V high = z.v;
-    z.v = AddSub(change, y.v);
-    y.v = Conjugate(high - change);
-  } else {
-    z.v = sum + change;
-    y.v = Conjugate(sum - change);
-  }
+  const V high = kFormula == Formula::forward ? z.v : sum;
+  z.v = kFormula == Formula::forward ? AddSub(change, y.v) : sum + change;
+  y.v = ConjugateOfDifference(high, change);
 }
 
 // Values in ascending order to the order of the table and back.
@@ -81,8 +86,10 @@ template <class V>
 [[maybe_unused]] ZOV_INLINE V NearBetween(V low, V high) {
   if constexpr (V::kLanes == 8) {
     return {__builtin_shufflevector(low.v, high.v, 4, 5, 2, 3, 8, 9, 6, 7)};
+#if defined(__AVX__)
   } else if constexpr (V::kBytes == 32) {
-    return {__builtin_shufflevector(low.v, high.v, 4, 5, 2, 3)};
+    return {_mm256_blend_pd(high.v, low.v, 12)};
+#endif
   } else if constexpr (V::kLanes == 4) {
     return {__builtin_shufflevector(low.v, high.v, 2, 3, 4, 5)};
   } else {
@@ -94,8 +101,10 @@ template <class V>
 [[maybe_unused]] ZOV_INLINE V NearWhole(V low, V high) {
   if constexpr (V::kLanes == 8) {
     return {__builtin_shufflevector(low.v, high.v, 4, 5, 10, 11, 8, 9, 14, 15)};
+#if defined(__AVX__)
   } else if constexpr (V::kBytes == 32) {
-    return {__builtin_shufflevector(low.v, high.v, 0, 1, 6, 7)};
+    return {_mm256_blend_pd(low.v, high.v, 12)};
+#endif
   } else if constexpr (V::kLanes == 4) {
     return {__builtin_shufflevector(low.v, high.v, 2, 3, 4, 5)};
   } else {
@@ -137,8 +146,8 @@ struct SplitLoop {
   ZOV_INLINE void RunWhole(Index k, Index count, const T* table, const T* coarse) {
     V coarseRe{}, coarseIm{};
     if (coarse != nullptr) coarseRe = CoarseRe(coarse), coarseIm = CoarseIm(coarse);
-    // Vectors of one value two a pass, as the loop is bound by its instructions.
-    constexpr int kSteps = C::kLanes == 1 ? 2 : 1;
+    // Two vectors a pass, as the loop is bound by its instructions.
+    constexpr int kSteps = C::kLanes == 4 ? 1 : 2;
     for (const Index end = k + count; k < end; k += kSteps * C::kLanes) {
       Unroll<kSteps>(ZOV_UNROLLED(i) {
         const Index near = k + decltype(i)::value * C::kLanes;
