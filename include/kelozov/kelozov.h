@@ -10,7 +10,8 @@
  * the prefix `Kelo_`, the domain (`zovs` for signals, `zovi` for images), the operation, the
  * element type or the pair source type and destination type, and modifiers. Modifiers are `I` (in
  * place), `Sfs` (integer result scaled by 2 to the power minus `scaleFactor`), `C1` and `C4` (one
- * or four interleaved channels), `R` (an image operation on a region, with row steps in bytes).
+ * or four interleaved channels), `R` (an image operation on a region, with row steps in bytes),
+ * `D2L` (outputs by an array of pointers), `A11`, `A21` and `A24` (bits of accuracy).
  * Within the operation `C` means a constant operand and `Rev` reversed operands.
  *
  * Arguments come in this order: sources, a constant operand, destination, length, further
@@ -36,7 +37,9 @@
  *
  * No primitive keeps state between calls other than in a state object of its caller: all may run at
  * the same time in several threads on distinct outputs and state objects. None prints, aborts or
- * raises an exception.
+ * raises an exception of C++. Where a description says nothing else, floating-point exceptions are
+ * taken to be masked, as they are when a thread starts, and rounding to be to nearest; the exception
+ * flags that a call leaves are those of its operations.
  */
 #ifndef KELOZOV_KELOZOV_H
 #define KELOZOV_KELOZOV_H
@@ -252,8 +255,8 @@ KELO_API void Kelo_zovsFree(void* ptr);
 /**
  * @defgroup fill Fill, clear and copy
  *
- * Large arrays that are aligned to their elements are written past the cache, so that they do not
- * empty it:
+ * Large arrays are written past the cache, so that they do not empty it; a fill only when the array
+ * is aligned to its elements:
  * - at levels 1 to 4 from 1 MiB, or from 512 KiB in a clear at any of them and in a copy at levels
  *   1 to 3, when the array is at least half as large as one thread's share of the cache;
  * - at levels 5 and 6 fills and clears of more than 2 MiB, when the array is larger than the cache.

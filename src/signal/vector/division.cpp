@@ -174,8 +174,10 @@ ZovStatus zovsDiv_32f(const Zov32f* pSrc1, const Zov32f* pSrc2, Zov32f* pDst, in
 ZovStatus zovsDivCRev_32f(const Zov32f* pSrc, Zov32f val, Zov32f* pDst, int len) {
   if (const ZovStatus status = CheckArrays(len, pSrc, pDst)) return status;
 #if defined(__FMA__)
-  // A short array is over before the longer chain of operations.
-  if (len > 128 && IsDividend(val)) {
+  // A short array is over before the longer chain of operations. That rounds to nearest only, and
+  // raises flags of its own.
+  constexpr unsigned kModes = _MM_ROUND_MASK | _MM_MASK_MASK;
+  if (len > 128 && IsDividend(val) && (_mm_getcsr() & kModes) == _MM_MASK_MASK) {
     DivideConstantBothWays op{DivideConstant(val)};
     Map(op, len, pDst, pSrc);
     return StatusOf(op.exact.sawZero);

@@ -32,9 +32,14 @@ struct RefinedRoot {
   ZOV_INLINE Pack<VecF, K> Block(Load load) {
     Pack<VecF, K> root;
     VecF sum = VecF::Zero();
-    // One of several vectors keeps the hardware's square root busy meanwhile.
+    // One of several vectors keeps the hardware's square root busy meanwhile; by its reciprocal a
+    // denormal in it is as special as in the others.
     constexpr int kRefined = K > 1 ? K - 1 : 1;
-    if constexpr (K > 1) sum = root.v[kRefined] = Sqrt(load(kRefined));
+    if constexpr (K > 1) {
+      const VecF x = load(kRefined);
+      root.v[kRefined] = Sqrt(x);
+      sum = root.v[kRefined] + ApproxReciprocalSqrt(x);
+    }
     Unroll<kRefined>([&](int k) __attribute__((always_inline)) {
       const VecF x = load(k);
       const VecF r = ApproxReciprocalSqrt(x);

@@ -399,18 +399,39 @@ TEST(SquareRoot, SpecialElements) {
 TEST(SquareRoot, LeavesMxcsrAsItWas) {
   const unsigned before = _mm_getcsr();
   for (int level = 1; level <= zovDispatchIndex; ++level) {
-    for (const float special : {2.0F, 0.0F, -4.0F, 1e-40F}) {
+    // Every place of a block: some of its vectors go to the hardware's square root.
+    for (int place = 0; place < 4 * 33; ++place) {
+      constexpr float kSpecial[] = {2.0F, 0.0F, -4.0F, 1e-40F};
+      const float special = kSpecial[place % 4];
       std::vector<float> x(kLength, 3.0F), y(kLength);
-      x[40] = special;
+      x[place / 4] = special;
       for (const unsigned csr : {0x1F80U, 0x1FA0U, 0x1F9FU, 0x0020U, 0x0000U}) {
         _mm_setcsr(csr);
         ZOV_AT(level, zovsSqrt_32f)(x.data(), y.data(), kLength);
         const unsigned after = _mm_getcsr();
         _mm_setcsr(before);
-        ASSERT_EQ(after, csr) << "level " << level << " element " << special;
+        ASSERT_EQ(after, csr) << "level " << level << " element " << special << " at " << place / 4;
       }
     }
   }
+}
+
+// In the caller's rounding mode, whatever the route.
+TEST(Division, RoundsAsTheCallerDoes) {
+  const unsigned before = _mm_getcsr();
+  constexpr int kCount = 300;
+  std::vector<float> a(kCount), q(kCount), expected(kCount);
+  for (int i = 0; i < kCount; ++i) a[i] = static_cast<float>(i + 1);
+  ForEachLevel([&](int level) {
+    for (const unsigned mode : {0x0000U, 0x2000U, 0x4000U, 0x6000U}) {
+      _mm_setcsr(before | mode);
+      ZOV_AT(level, zovsDivCRev_32f)(a.data(), 6.0F, q.data(), kCount);
+      for (int i = 0; i < kCount; ++i)
+        _mm_store_ss(&expected[i], _mm_div_ss(_mm_set_ss(6.0F), _mm_load_ss(&a[i])));
+      _mm_setcsr(before);
+      ASSERT_EQ(q, expected) << "level " << level << " mode " << mode;
+    }
+  });
 }
 
 // Every mantissa as a divisor: a quotient keeps the division's last bit however it is formed. The
