@@ -76,13 +76,15 @@ struct LineSquare {
     }
   }
   // Rows and columns exchange their places and are reversed, two by two.
-  ZOV_INLINE void Store(T* z, std::ptrdiff_t stride) const {
+  ZOV_INLINE void Store(T* z, std::ptrdiff_t stride) const { Place(values[0], kSide, z, stride); }
+  // The same from lines that lie `step` values apart.
+  static ZOV_INLINE void Place(const T* lines, std::ptrdiff_t step, T* z, std::ptrdiff_t stride) {
     for (int column = 0; column < kSide; column += 2) {
       T* const low = z + 2 * kReversed[column] * stride;
       T* const high = low + kSide * stride;
       for (int row = 0; row < kSide; row += 2) {
-        const T* const a = values[kReversed[row]] + 2 * column;
-        const T* const b = a + kSide * kSide;
+        const T* const a = lines + 2 * (kReversed[row] * step + column);
+        const T* const b = a + kSide * step;
         if constexpr (sizeof(T) == 4) {
           const __m128 x = _mm_load_ps(a), y = _mm_load_ps(b);
           Vec128<T>{_mm_movelh_ps(x, y)}.Store(low + 2 * row);
@@ -154,8 +156,10 @@ void ReverseByTable(const T* src, T* dst, int c, const Zov32s* table) {
   }
 }
 
-// By tiles of 2^logTile rows of as many values, the rows far apart, so that few pages are in use at
-// a time. The squares of a tile go to the place of its partner.
+// By tiles of 2^logTile rows of as many values, the rows far apart. Each row lies in a page of its
+// own, and these pages share few places of the translation caches; so a tile is copied to `work`
+// and written from there, both row by row. No prefetcher follows such short rows: the lines of the
+// next tile and of its place are asked for meanwhile, which halves the time.
 template <class T>
 struct TiledReversal {
   using Square = LineSquare<T>;
@@ -164,36 +168,41 @@ struct TiledReversal {
   int c;
   int logTile;
   const Zov32s* table;
+  T* work;  // room for two tiles
 
-  // Squares of 2^logSquares by as many in a tile; step between the lines of one.
-  int logSquares = logTile - Square::kLog;
+  std::ptrdiff_t side = std::ptrdiff_t{1} << logTile;
   std::ptrdiff_t rowStride = std::ptrdiff_t{1} << (c - logTile);
-  std::ptrdiff_t lineStride = rowStride << logSquares;
 
-  ZOV_INLINE std::ptrdiff_t Place(std::ptrdiff_t tile, std::ptrdiff_t row,
-                                  std::ptrdiff_t column) const {
-    return 2 * (tile + row * rowStride + (column << Square::kLog));
+  static ZOV_INLINE void Ask(const T* line) { __builtin_prefetch(line, 0, 2); }
+
+  ZOV_INLINE void Gather(std::ptrdiff_t tile, T* to, std::ptrdiff_t next) const {
+    using V = Vec<T, kFloatVectorBytes / static_cast<int>(sizeof(T))>;
+    const T* from = src + 2 * tile;
+    const T* ahead = src + 2 * next;
+    for (std::ptrdiff_t row = 0; row < side; ++row) {
+      for (std::ptrdiff_t i = 0; i < 2 * side; i += 2 * Square::kSide, to += 2 * Square::kSide) {
+        Ask(ahead + i);
+        for (int j = 0; j < 2 * Square::kSide; j += V::kLanes) V::Load(from + i + j).Store(to + j);
+      }
+      from += 2 * rowStride;
+      ahead += 2 * rowStride;
+    }
   }
-
-  ZOV_INLINE void Tile(std::ptrdiff_t own, std::ptrdiff_t partner) const {
-    const std::ptrdiff_t side = std::ptrdiff_t{1} << logSquares;
-    Square square, other;
-    std::ptrdiff_t reversedRow = 0;
-    for (std::ptrdiff_t row = 0; row < side; ++row, reversedRow = Next(reversedRow, side)) {
-      std::ptrdiff_t reversedColumn = 0;
-      for (std::ptrdiff_t column = 0; column < side;
-           ++column, reversedColumn = Next(reversedColumn, side)) {
-        const std::ptrdiff_t p = Place(own, row, column);
-        const std::ptrdiff_t q = Place(partner, reversedColumn, reversedRow);
-        if (src != dst || p == q) {
-          square.Load(src + p, lineStride);
-          square.Store(dst + q, lineStride);
-        } else if (own != partner || p < q) {
-          square.Load(src + p, lineStride);
-          other.Load(src + q, lineStride);
-          square.Store(dst + q, lineStride);
-          other.Store(dst + p, lineStride);
-        }
+  // Square by square, along the rows of the destination.
+  ZOV_INLINE void Scatter(const T* from, std::ptrdiff_t tile, std::ptrdiff_t next) const {
+    const std::ptrdiff_t squares = side >> Square::kLog;
+    const std::ptrdiff_t lineStride = squares * rowStride;
+    std::ptrdiff_t column = 0;
+    for (std::ptrdiff_t i = 0; i < squares; ++i, column = Next(column, squares)) {
+      T* to = dst + 2 * (tile + i * rowStride);
+      const T* ahead = dst + 2 * (next + i * rowStride);
+      std::ptrdiff_t row = 0;
+      for (std::ptrdiff_t j = 0; j < squares; ++j, row = Next(row, squares)) {
+        for (int line = 0; line < Square::kSide; ++line) Ask(ahead + 2 * line * lineStride);
+        Square::Place(from + 2 * (row * side + (column << Square::kLog)), squares * side, to,
+                      lineStride);
+        to += 2 * Square::kSide;
+        ahead += 2 * Square::kSide;
       }
     }
   }
@@ -206,10 +215,22 @@ struct TiledReversal {
 
   void Run() const {
     const std::ptrdiff_t columns = std::ptrdiff_t{1} << (c - 2 * logTile);
-    for (std::ptrdiff_t i = 0; i < columns; ++i) {
+    const bool inPlace = src == dst;
+    for (std::ptrdiff_t i = 0; i < columns;) {
       const std::ptrdiff_t own = i << logTile;
       const std::ptrdiff_t partner = table[i];
-      if (src != dst || own <= partner) Tile(own, partner);
+      do {
+        ++i;
+      } while (inPlace && i < columns && i << logTile > table[i]);
+      const std::ptrdiff_t next = i < columns ? i << logTile : own;
+      const std::ptrdiff_t nextPartner = i < columns ? table[i] : partner;
+      Gather(own, work, next);
+      if (inPlace && own != partner) {
+        T* const other = work + 2 * side * side;
+        Gather(partner, other, nextPartner);
+        Scatter(other, own, next);
+      }
+      Scatter(work, partner, nextPartner);
     }
   }
 };

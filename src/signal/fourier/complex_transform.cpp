@@ -28,7 +28,7 @@ void OnePass(const T* src, T* dst, int c, const FftSpec<T>& spec, T* work, bool 
 }
 
 template <class T>
-void Reverse(const T* src, T* dst, int c, const FftSpec<T>& spec) {
+void Reverse(const T* src, T* dst, int c, const FftSpec<T>& spec, T* work) {
   constexpr const FftLimits& kLimits = FftLimitsOf<T>(kLevel);
   if (c < kLimits.tiledFrom && c >= kLinesFrom<T>) {
     ReverseByLines(src, dst, c);
@@ -37,7 +37,7 @@ void Reverse(const T* src, T* dst, int c, const FftSpec<T>& spec) {
   } else if (c < kLimits.tiledFrom) {
     ReverseByTable(src, dst, c, spec.bitRevTable);
   } else {
-    TiledReversal<T>{src, dst, c, kLimits.logTile, spec.bitRevTable}.Run();
+    TiledReversal<T>{src, dst, c, kLimits.logTile, spec.bitRevTable, work}.Run();
   }
 }
 
@@ -79,7 +79,7 @@ void ComplexTransform(const T* src, T* dst, const FftSpec<T>& spec, T* work) {
       return OnePass<T, kInverse>(src, dst, c, spec, work, scaled);
     }
   }
-  Reverse(src, dst, c, spec);
+  Reverse(src, dst, c, spec, work);
   if constexpr (kLevel == Level::sse2) {
     BaselineInPlace<T, kInverse>(dst, c, spec, work, scaled);
   } else if (c <= kLimits.lastWhole || SplitOf(kLimits, c).rows == 0) {
