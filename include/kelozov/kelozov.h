@@ -38,8 +38,8 @@
  * No primitive keeps state between calls other than in a state object of its caller: all may run at
  * the same time in several threads on distinct outputs and state objects. None prints, aborts or
  * raises an exception of C++. Where a description says nothing else, floating-point exceptions are
- * taken to be masked, as they are when a thread starts, and rounding to be to nearest; the exception
- * flags that a call leaves are those of its operations.
+ * taken to be masked, as they are when a thread starts, and rounding to be to nearest; the
+ * exception flags that a call leaves are those of its operations.
  */
 #ifndef KELOZOV_KELOZOV_H
 #define KELOZOV_KELOZOV_H
@@ -1901,11 +1901,12 @@ KELO_API ZovStatus Kelo_zovsFFTFree_R_32f(ZovFFTSpec_R_32f* pSpec);
  * scale of the object if its flag asks for it. Element 2k of the destination is Re X[k], element
  * 2k + 1 is Im X[k]; elements 1 and N + 1 are written as zeros. For N = 1 the result is
  * (pSrc[0], 0).
- * Results of two levels agree to rounding; the relative RMS error grows with log N.
+ * Results of two levels agree to rounding; the relative RMS error grows with the root of log N.
  * @param pSrc N values
- * @param pDst N + 2 values; may be the same array as @p pSrc
+ * @param pDst N + 2 values, for N = 1 two; may be the same array as @p pSrc
  * @param pSpec the object
- * @param pBuffer work memory, or null to let the call allocate its own where it needs some
+ * @param pBuffer work memory of 4 N + 64 bytes at any address, for one call at a time; ignored
+ * where none is needed. Null lets the call allocate its own
  * @return ::zovStsNullPtrErr (the object), ::zovStsContextMatchErr, ::zovStsNullPtrErr (an array),
  * ::zovStsMemAllocErr, ::zovStsNoErr
  */
@@ -1916,11 +1917,12 @@ KELO_API ZovStatus Kelo_zovsFFTFwd_RToCCS_32f(const Zov32f* pSrc, Zov32f* pDst,
  * @brief Inverse transform of a CCS spectrum to N real values.
  * pDst[n] = sum of X[k] exp(+2 pi i k n / N) over all N bins, of which those above N/2 mirror the
  * given ones, times the scale of the object if its flag asks for it. Elements 1 and N + 1 of the
- * source are ignored.
- * @param pSrc N + 2 values
+ * source are ignored. Results of two levels agree to rounding.
+ * @param pSrc N + 2 values; for N = 1 one
  * @param pDst N values; may be the same array as @p pSrc
  * @param pSpec the object
- * @param pBuffer work memory, or null to let the call allocate its own where it needs some
+ * @param pBuffer work memory of 4 N + 64 bytes at any address, for one call at a time; ignored
+ * where none is needed. Null lets the call allocate its own
  * @return ::zovStsNullPtrErr (the object), ::zovStsContextMatchErr, ::zovStsNullPtrErr (an array),
  * ::zovStsMemAllocErr, ::zovStsNoErr
  */
@@ -1933,7 +1935,7 @@ typedef struct ZovFFTSpec_R_64f ZovFFTSpec_R_64f;
 /**
  * @brief Makes the object for real transforms of N = 2^order values of `Zov64f`.
  * The object is immutable: any number of threads may use it at once, each with its own work buffer.
- * Both are computed in double.
+ * Tables and scale are computed in double.
  * @param ppSpec receives the object, to be released with Kelo_zovsFFTFree_R_64f(), or null if
  * memory is lacking
  * @param order log2 of N, from 0 to 28 (27 at level SSE2)
@@ -1958,11 +1960,12 @@ KELO_API ZovStatus Kelo_zovsFFTFree_R_64f(ZovFFTSpec_R_64f* pSpec);
  * scale of the object if its flag asks for it. Element 2k of the destination is Re X[k], element
  * 2k + 1 is Im X[k]; elements 1 and N + 1 are written as zeros. For N = 1 the result is
  * (pSrc[0], 0).
- * Results of two levels agree to rounding; the relative RMS error grows with log N.
+ * Results of two levels agree to rounding; the relative RMS error grows with the root of log N.
  * @param pSrc N values
- * @param pDst N + 2 values; may be the same array as @p pSrc
+ * @param pDst N + 2 values, for N = 1 two; may be the same array as @p pSrc
  * @param pSpec the object
- * @param pBuffer work memory, or null to let the call allocate its own where it needs some
+ * @param pBuffer work memory of 8 N + 64 bytes at any address, for one call at a time; ignored
+ * where none is needed. Null lets the call allocate its own
  * @return ::zovStsNullPtrErr (the object), ::zovStsContextMatchErr, ::zovStsNullPtrErr (an array),
  * ::zovStsMemAllocErr, ::zovStsNoErr
  */
@@ -1973,11 +1976,12 @@ KELO_API ZovStatus Kelo_zovsFFTFwd_RToCCS_64f(const Zov64f* pSrc, Zov64f* pDst,
  * @brief Inverse transform of a CCS spectrum to N real values.
  * pDst[n] = sum of X[k] exp(+2 pi i k n / N) over all N bins, of which those above N/2 mirror the
  * given ones, times the scale of the object if its flag asks for it. Elements 1 and N + 1 of the
- * source are ignored.
- * @param pSrc N + 2 values
+ * source are ignored. Results of two levels agree to rounding.
+ * @param pSrc N + 2 values; for N = 1 one
  * @param pDst N values; may be the same array as @p pSrc
  * @param pSpec the object
- * @param pBuffer work memory, or null to let the call allocate its own where it needs some
+ * @param pBuffer work memory of 8 N + 64 bytes at any address, for one call at a time; ignored
+ * where none is needed. Null lets the call allocate its own
  * @return ::zovStsNullPtrErr (the object), ::zovStsContextMatchErr, ::zovStsNullPtrErr (an array),
  * ::zovStsMemAllocErr, ::zovStsNoErr
  */

@@ -18,6 +18,7 @@ struct FourStepSplit {
 struct FftLimits {
   int maxOrder;
   int lastReal;      // orders up to it: real kernels, no tables
+  int lastKernel;    // orders up to it: real kernels with tables unused, as they are faster
   int lastSmall;     // orders up to it: small complex kernels, split tables only
   int lastWhole;     // c up to it: one kernel does the whole length
   int inPlaceFrom;   // c from it: reversal, then the kernel in place, in place of the one-pass form
@@ -33,38 +34,38 @@ inline constexpr int kNever = 99;
 
 inline constexpr FftLimits kFftLimits32f[kLevelCount] = {
     // clang-format off
-    {28, 5, 6, 10,      0, false, 19, kNever, 0, 0,
+    {28, 5, 5, 6, 10,      0, false, 19, kNever, 0, 0,
      {{12, 0, 0}, {13, 5, 0}, {14, 6, 0}, {15, 7, 0}, {18, 8, 0}, {22, 10, 0}, {24, 8, 0}, {30, 10, 0}}},
-    {29, 4, 6, 16,     16, true, 19, 20, 6, 4,
+    {29, 4, 4, 6, 16,     16, true, 19, 20, 6, 4,
      {{17, 4, 9}, {20, 4, 10}, {21, 6, 13}, {30, 8, 15}}},
-    {29, 4, 6, 17,     17, true, 19, 19, 6, 4,
+    {29, 4, 4, 6, 17,     17, true, 19, 19, 6, 4,
      {{19, 4, 10}, {30, 8, 14}}},
-    {29, 4, 6, 15,     15, true, 18, 17, 5, 4,
+    {29, 4, 4, 6, 15,     15, true, 18, 17, 5, 4,
      {{18, 4, 10}, {20, 6, 14}, {30, 8, 14}}},
-    {29, 4, 6, 17, kNever, true, 21, 19, 6, 4,
+    {29, 4, 4, 6, 17, kNever, true, 21, 19, 6, 4,
      {{19, 4, 10}, {30, 8, 14}}},
-    {29, 4, 7, 18, kNever, true, 19, 19, 6, 8,
+    {29, 4, 4, 7, 18, kNever, true, 19, 19, 6, 8,
      {{22, 4, 10}, {30, 8, 14}}},
-    {29, 4, 7, 18, kNever, true, 19, 19, 6, 8,
+    {29, 4, 4, 7, 18, kNever, true, 19, 19, 6, 8,
      {{22, 4, 10}, {30, 8, 14}}},
     // clang-format on
 };
 
 inline constexpr FftLimits kFftLimits64f[kLevelCount] = {
     // clang-format off
-    {27, 5, 6, 10,      0, false, 18, kNever, 0, 0,
+    {27, 5, 6, 6, 10,      0, false, 18, kNever, 0, 0,
      {{11, 0, 0}, {12, 4, 0}, {13, 5, 0}, {14, 6, 0}, {16, 7, 0}, {17, 8, 0}, {20, 9, 0}, {22, 8, 0}, {30, 9, 0}}},
-    {28, 5, 6, 14, kNever, true, 18, 19, 6, 2,
+    {28, 5, 6, 6, 14, kNever, true, 18, 19, 6, 2,
      {{15, 4, 8}, {18, 4, 10}, {20, 6, 13}, {30, 8, 14}}},
-    {28, 5, 6, 16, kNever, true, 17, 18, 5, 2,
+    {28, 5, 6, 6, 16, kNever, true, 17, 18, 5, 2,
      {{19, 6, 10}, {20, 7, 11}, {30, 8, 13}}},
-    {28, 5, 6, 12,      0, false, 18, 14, 5, 2,
+    {28, 5, 6, 6, 12,      0, false, 18, 14, 5, 2,
      {{13, 0, 0}, {14, 4, 10}, {18, 6, 10}, {19, 4, 10}, {21, 6, 10}, {30, 6, 12}}},
-    {28, 5, 6, 16, kNever, true, 19, 18, 5, 2,
+    {28, 5, 6, 6, 16, kNever, true, 19, 18, 5, 2,
      {{18, 6, 10}, {30, 8, 13}}},
-    {28, 4, 7, 17, kNever, true, 17, 18, 5, 4,
+    {28, 4, 5, 7, 17, kNever, true, 17, 18, 5, 4,
      {{21, 4, 9}, {30, 8, 13}}},
-    {28, 4, 7, 17, kNever, true, 17, 18, 5, 4,
+    {28, 4, 5, 7, 17, kNever, true, 17, 18, 5, 4,
      {{21, 4, 9}, {30, 8, 13}}},
     // clang-format on
 };

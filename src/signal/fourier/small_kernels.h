@@ -27,12 +27,8 @@ struct SmallKernels {
   RealInverseKernel<T> realInverseScaled[8];
 };
 
-// Orders up to it have real kernels. Those above lastReal stand in for the complex kernel and the
-// split by the tables, as they are faster.
 template <class T>
-inline constexpr int kLastRealKernel = sizeof(T) == 4        ? FftLimitsOf<T>(kLevel).lastReal
-                                       : kLevel < Level::avx ? 6
-                                                             : 5;
+inline constexpr int kLastRealKernel = FftLimitsOf<T>(kLevel).lastKernel;
 
 extern const SmallKernels<Zov32f> kSmallKernels32f;
 extern const SmallKernels<Zov64f> kSmallKernels64f;
