@@ -4,6 +4,7 @@
 
 #include "image/resize/antialias_bytes.h"
 #include "image/resize/antialias_columns.h"
+#include "image/resize/antialias_integer.h"
 #include "image/resize/kernel_rows.h"
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
@@ -32,12 +33,15 @@ class AntialiasResize {
   void Run(Zov8u* workBuffer, std::int64_t bytes) const {
     int row = 0;
     if constexpr (sizeof(T) == 1) {
+#if defined(__SSSE3__)
+      if (RunBy<AntialiasInteger<kChannels>>(0, workBuffer, bytes)) return;
+#endif
       row =
           AntialiasBytes<kChannels>(src_, dst_, x_, y_, xKernel_, yKernel_).Run(workBuffer, bytes);
       if (row == y_.count) return;
     }
-    if (!RunBy<kWideGroup>(row, workBuffer, bytes) &&
-        !RunBy<kNarrowGroup>(row, workBuffer, bytes)) {
+    if (!RunBy<AntialiasColumns<T, kChannels, kWideGroup>>(row, workBuffer, bytes) &&
+        !RunBy<AntialiasColumns<T, kChannels, kNarrowGroup>>(row, workBuffer, bytes)) {
       RunWithoutTables();
     }
   }
@@ -49,17 +53,16 @@ class AntialiasResize {
 
   // Writes the rows from `begin` on. Source rows are resampled once, in groups, into a ring of
   // lines that holds the taps of a row. False, with nothing done, when the work buffer is too
-  // small.
-  template <int kGroup>
+  // small or the weights do not suit.
+  template <class Columns>
   bool RunBy(int begin, Zov8u* workBuffer, std::int64_t bytes) const {
-    using Columns = AntialiasColumns<T, kChannels, kGroup>;
     const Taps lowest = yKernel_.At(begin);
     const Taps highest = yKernel_.At(y_.count - 1);
     const int firstRow = SourceRow(lowest.first);
     const int endRow = SourceRow(highest.first + highest.count - 1) + 1;
     const int most = yKernel_.MostTaps() + Columns::kRows - 1;
     const int lineCount = most < endRow - firstRow ? most : endRow - firstRow;
-    constexpr int kLineUnit = 16 / static_cast<int>(sizeof(Real));
+    constexpr int kLineUnit = VecF::kBytes / static_cast<int>(sizeof(Real));
     const std::int64_t stride = (elements_ + kLineUnit - 1) / kLineUnit * kLineUnit;
 
     WorkArena arena(workBuffer);
@@ -69,7 +72,7 @@ class AntialiasResize {
     Real* const table = arena.Take<Real>(std::int64_t{kKeptWeights} * yKernel_.MostTaps());
     if (arena.Take<Zov8u>(0) - workBuffer > bytes) return false;
 
-    columns.FillTables(xKernel_);
+    if (!columns.FillTables(xKernel_)) return false;
     const auto lineOf = [=](int row) { return lines + (row - firstRow) % lineCount * stride; };
     int done = firstRow;  // rows before it have been resampled, or are not needed
     for (int row = begin; row < y_.count; ++row) {

@@ -72,12 +72,13 @@ class AntialiasColumns {
   }
 
   // Once the memory is known to suffice.
-  void FillTables(const WidenedKernel& kernel) {
+  bool FillTables(const WidenedKernel& kernel) {
     for (int i = 0; i < count_; ++i) {
       const WidenedKernel::Taps taps = kernel.At(i);
       taps_[i] = {taps.first - first_, taps.count};
       kernel.GetWeights<Real>(i, i, count_, mostTaps_, weights_);
     }
+    return true;
   }
 
   // Resamples the first `rows` of kRows source rows into lines. Meanwhile what lies `ahead` of
