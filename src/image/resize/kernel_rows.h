@@ -8,52 +8,51 @@
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
-// v + 0.5000001 in double precision, truncated.
-ZOV_INLINE __m128i RoundHalfUp(__m128 v) {
-#if defined(__AVX__)
-  return _mm256_cvttpd_epi32(_mm256_add_pd(_mm256_cvtps_pd(v), _mm256_set1_pd(0.5000001)));
-#else
-  const __m128d half = _mm_set1_pd(0.5000001);
-  const __m128d low = _mm_add_pd(_mm_cvtps_pd(v), half);
-  const __m128d high = _mm_add_pd(_mm_cvtps_pd(_mm_movehl_ps(v, v)), half);
-  return _mm_unpacklo_epi64(_mm_cvttpd_epi32(low), _mm_cvttpd_epi32(high));
-#endif
+// v + 0.5000001 in double precision, truncated, as bytes saturate it. Of single precision only the
+// three values below 0.5 lie so close to a half; the hair lifts these, and is lost from 1 on.
+template <class V>
+ZOV_INLINE V AddHalfUp(V v) {
+  return v + V::Broadcast(0x1.EP-25F) + V::Broadcast(0.5F);
 }
-
-// Four sums of a vector at a time.
-ZOV_INLINE __m128 QuarterOf(const VecF* v, int quarter) {
-#if defined(__AVX__)
-  const __m256 pair = v[quarter / 2].v;
-  return quarter % 2 == 0 ? _mm256_castps256_ps128(pair) : _mm256_extractf128_ps(pair, 1);
-#else
-  return v[quarter].v;
-#endif
-}
+ZOV_INLINE __m128i RoundHalfUp(__m128 v) { return _mm_cvttps_epi32(AddHalfUp(Vec<float, 4>{v}).v); }
 
 // The bytes of a vector of pixels from the sums of as many lanes, rounded so.
-ZOV_INLINE Bytes BytesRoundedHalfUp(const VecF* v) {
-  __m128i lanes[kLanes];
-  for (int i = 0; i < kLanes; ++i) {
-    const auto pair = [ v, i ](int k) __attribute__((always_inline)) {
-      return _mm_packs_epi32(RoundHalfUp(QuarterOf(v, 4 * i + k)),
-                             RoundHalfUp(QuarterOf(v, 4 * i + k + 1)));
-    };
-    lanes[i] = _mm_packus_epi16(pair(0), pair(2));
-  }
-  return JoinLanes(lanes);
+#if defined(__AVX2__)
+ZOV_INLINE Bytes PackIntegers(__m256i a, __m256i b, __m256i c, __m256i d) {
+  const __m256i packed = _mm256_packus_epi16(_mm256_packs_epi32(a, b), _mm256_packs_epi32(c, d));
+  const __m256i order = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
+  return {(Bytes::Native)_mm256_permutevar8x32_epi32(packed, order)};
 }
+ZOV_INLINE Bytes BytesRoundedHalfUp(const VecF* v) {
+  const auto round = [v](int k) __attribute__((always_inline)) {
+    return _mm256_cvttps_epi32(AddHalfUp(v[k]).v);
+  };
+  return PackIntegers(round(0), round(1), round(2), round(3));
+}
+#elif defined(__AVX__)
+ZOV_INLINE Bytes BytesRoundedHalfUp(const VecF* v) {
+  const auto pair = [v](int k) __attribute__((always_inline)) {
+    const __m256i integers = _mm256_cvttps_epi32(AddHalfUp(v[k]).v);
+    return _mm_packs_epi32(_mm256_castsi256_si128(integers), _mm256_extractf128_si256(integers, 1));
+  };
+  return {(Bytes::Native)_mm_packus_epi16(pair(0), pair(1))};
+}
+#else
+ZOV_INLINE Bytes BytesRoundedHalfUp(const VecF* v) {
+  const auto pair = [v](int k) __attribute__((always_inline)) {
+    return _mm_packs_epi32(RoundHalfUp(v[k].v), RoundHalfUp(v[k + 1].v));
+  };
+  return {(Bytes::Native)_mm_packus_epi16(pair(0), pair(2))};
+}
+#endif
 
 // The same in the interior, where level sse2 rounds like that too and the others to the nearest
 // integer, ties to even.
 inline constexpr int kFloatsPerBytes = Bytes::kBytes / VecF::kLanes;
 #if defined(__AVX2__)
 ZOV_INLINE Bytes BytesOfSums(const VecF* v) {
-  const auto pair = [v](int k) __attribute__((always_inline)) {
-    return _mm256_packs_epi32(_mm256_cvtps_epi32(v[k].v), _mm256_cvtps_epi32(v[k + 1].v));
-  };
-  const __m256i packed = _mm256_packus_epi16(pair(0), pair(2));
-  const __m256i order = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
-  return {(Bytes::Native)_mm256_permutevar8x32_epi32(packed, order)};
+  return PackIntegers(_mm256_cvtps_epi32(v[0].v), _mm256_cvtps_epi32(v[1].v),
+                      _mm256_cvtps_epi32(v[2].v), _mm256_cvtps_epi32(v[3].v));
 }
 #elif defined(__AVX__)
 ZOV_INLINE Bytes BytesOfSums(const VecF* v) {
