@@ -25,20 +25,22 @@ struct ExactRoot {
 // y (y r - 3) (-1/2), within 4 units of the last place.
 struct RefinedRoot {
   [[maybe_unused]] static constexpr int kVectors = 4;
+  // Of these; a root of 32 bytes keeps it busy for as long as two of 16.
+  [[maybe_unused]] static constexpr int kByHardware = kLevel < Level::avx ? 2 : 1;
   Mask sawNegative = Mask::Zero();
-  bool sawSpecial = false;
 
   template <int K, class Load>
   ZOV_INLINE Pack<VecF, K> Block(Load load) {
     Pack<VecF, K> root;
     VecF sum = VecF::Zero();
-    // One of several vectors keeps the hardware's square root busy meanwhile; by its reciprocal a
-    // denormal in it is as special as in the others.
-    constexpr int kRefined = K > 1 ? K - 1 : 1;
+    // Some of several vectors keep the hardware's square root busy meanwhile.
+    constexpr int kRefined = K > 1 ? K - kByHardware : 1;
     if constexpr (K > 1) {
-      const VecF x = load(kRefined);
-      root.v[kRefined] = Sqrt(x);
-      sum = root.v[kRefined] + ApproxReciprocalSqrt(x);
+      sum = root.v[kRefined] = Sqrt(load(kRefined));
+      for (int k = kRefined + 1; k < K; ++k) {
+        root.v[k] = Sqrt(load(k));
+        sum = sum + root.v[k];
+      }
     }
     Unroll<kRefined>([&](int k) __attribute__((always_inline)) {
       const VecF x = load(k);
@@ -56,7 +58,6 @@ struct RefinedRoot {
     // so does a sum with one; the sum of good roots is far from overflow.
     const VecF difference = sum - sum;
     if (MoveMask(difference == difference) != (1U << VecF::kLanes) - 1) [[unlikely]] {
-      sawSpecial = true;
       LoadAgain();
       Unroll<K>([&](int k) __attribute__((always_inline)) {
         const VecF x = load(k);
@@ -74,15 +75,15 @@ ZOV_INLINE Mask Roots(const Zov32f* pSrc, Zov32f* pDst, int len) {
     Map(op, len, pDst, pSrc);
     return op.sawNegative;
   } else {
-    // The refinement meets invalid operations and overflows of its own: none may trap or leave its
-    // flag. A good block raises the inexact flag alone. So where that flag was up already, the
-    // register need not be written, which costs more than a short array.
+    // The refinement meets invalid operations and overflows of its own, the hardware's square root
+    // denormals: none may trap or leave its flag. Writing the register costs more than a short
+    // array, so it is left alone where it came out as it was: mostly, once the inexact flag is up.
     const unsigned saved = _mm_getcsr();
     const bool masked = (saved & _MM_MASK_MASK) == _MM_MASK_MASK;
     if (!masked) _mm_setcsr(saved | _MM_MASK_MASK);
     RefinedRoot op;
     Map(op, len, pDst, pSrc);
-    if (!masked || op.sawSpecial || (saved & _MM_EXCEPT_INEXACT) == 0) _mm_setcsr(saved);
+    if (_mm_getcsr() != saved) _mm_setcsr(saved);
     return op.sawNegative;
   }
 }
