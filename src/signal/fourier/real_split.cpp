@@ -142,13 +142,20 @@ struct SplitLoop {
 
   // Pairs k + 1 to k + count for whole vectors, with the factors of a one-level table or, where
   // there is a coarse factor, of the fine entries. Between vectors, X[0] is what Begin got.
-  template <bool kBetween>
+  // Where kAhead, lines that are written soon are asked for: that is worth its instructions where
+  // they are not in the first-level cache.
+  template <bool kBetween, bool kAhead>
   ZOV_INLINE void RunWhole(Index k, Index count, const T* table, const T* coarse) {
     V coarseRe{}, coarseIm{};
     if (coarse != nullptr) coarseRe = CoarseRe(coarse), coarseIm = CoarseIm(coarse);
     // Two vectors a pass, as the loop is bound by its instructions.
     constexpr int kSteps = C::kLanes == 4 ? 1 : 2;
     for (const Index end = k + count; k < end; k += kSteps * C::kLanes) {
+      if constexpr (kAhead) {
+        constexpr Index kDistance = 128 / static_cast<Index>(sizeof(T));
+        __builtin_prefetch(dst + 2 * k + kDistance);
+        __builtin_prefetch(dst + 2 * (length - k - kSteps * C::kLanes) - kDistance);
+      }
       Unroll<kSteps>(ZOV_UNROLLED(i) {
         const Index near = k + decltype(i)::value * C::kLanes;
         T* const far = dst + 2 * (length - near - C::kLanes);
@@ -249,14 +256,19 @@ ZOV_INLINE void SplitAll(const T* src, T* dst, int order, const T* table, Pair<T
   // whole vectors pays only where it is a blend. Vectors of one value are whole at any place.
   constexpr bool kOneValue = Lanes<T>::kLanes == 2;
   constexpr bool kBlends = sizeof(T) == 8 && !kOneValue;
+  constexpr int kAheadInPlaceFrom = 12;
   if (oneLevel) {
     SplitLoop<kOneLevel, T> loop = {src, dst, length};
     loop.Begin(first.re, first.im);
     if (kBlends || (!kOneValue && order <= FftLimitsOf<T>(kLevel).lastSmall)) {
-      loop.template RunWhole<true>(0, middle, table, nullptr);
+      if (kBlends && (kOneLevel == Formula::inverse || order >= kAheadInPlaceFrom)) {
+        loop.template RunWhole<true, kBlends>(0, middle, table, nullptr);
+      } else {
+        loop.template RunWhole<true, false>(0, middle, table, nullptr);
+      }
       loop.SetMiddle(mid.re, mid.im);
     } else {
-      loop.template RunWhole<false>(0, middle, table, nullptr);
+      loop.template RunWhole<false, false>(0, middle, table, nullptr);
       setEnds();
     }
     return;
@@ -264,7 +276,7 @@ ZOV_INLINE void SplitAll(const T* src, T* dst, int order, const T* table, Pair<T
   SplitLoop<kTwoLevel, T> loop = {src, dst, length};
   loop.Begin(first.re, first.im);
   for (Index k = 0; k < middle; k += kFine, coarse += 2) {
-    loop.template RunWhole<kBlends>(k, kFine, table, coarse);
+    loop.template RunWhole<kBlends, kBlends>(k, kFine, table, coarse);
   }
   setEnds();
 #endif

@@ -141,9 +141,16 @@ ZOV_INLINE void FirstPassReversed(const T* src, T* dst, int c, const Zov32s* rev
     return;
   }
   // Steps of whole pages put all 16 rows into one set of the first-level cache, which then holds no
-  // line until its second vector is due: so a line is used whole, and the values wait aside.
+  // line until its second vector is due: so a line is used whole, and the values wait aside. The
+  // stores go far apart too; their lines are asked for before the transform.
   constexpr int kVectors = 64 / Lanes<T>::kBytes;
   for (Index r = 0; r < sixteenth; r += kVectors * C::kLanes) {
+    if constexpr (sizeof(T) == 8 && kLevel >= Level::avx) {
+      for (int lane = 0; lane < kVectors * C::kLanes; ++lane) {
+        const T* const place = dst + 4 * static_cast<Index>(reversal[r + lane]);
+        for (int i = 0; i < 32; i += 8) __builtin_prefetch(place + i);
+      }
+    }
     C columns[kVectors][16];
     Unroll<4>(ZOV_UNROLLED(i) {
       constexpr int n = decltype(i)::value;
