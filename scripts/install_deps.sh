@@ -6,7 +6,7 @@ set -euo pipefail
 
 declare -A groups=(
   [build]="cmake ninja-build g++ zlib1g-dev"
-  [test]="libgtest-dev googletest python3 binutils clang clang-format qemu-user git pkg-config"
+  [test]="libgtest-dev googletest python3 binutils clang libclang-rt-dev clang-format qemu-user git pkg-config"
   [windows]="g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64"
   [examples]="pkg-config libpng-dev libsndfile1-dev gnuplot-nox"
   [demo]="graphicsmagick lomiri-wallpapers-16.04 alsa-utils"

@@ -59,17 +59,13 @@ stage debug '
   cmake --build --preset debug --target kelozov smoke
   ctest --preset debug --no-tests=error -L boundary'
 
-# Leaks are looked for where the system lets the sanitizer stop the process.
+# Built by clang, whose warnings and optimised code are tested with it. Leaks are looked for where the
+# system lets the sanitizer stop the process.
 stage sanitizers '
   cmake --preset asan
   cmake --build --preset asan
   build/asan/tests/core/core_test --gtest_filter=none || export ASAN_OPTIONS=detect_leaks=0
   ctest --preset asan --no-tests=error'
-
-stage clang '
-  cmake --preset clang
-  cmake --build --preset clang
-  ctest --preset clang --no-tests=error -LE emulated'
 
 # Wine makes its prefix once, before programs start side by side.
 stage windows '
