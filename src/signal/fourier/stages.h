@@ -237,6 +237,31 @@ void RunStagesByPart(T* array, int logLength, const StagePlan& plan, int count, 
                                   part, T{});
 }
 
+// Two radix-4 stages, of parts of `part` and of 4 * part values, in place on 16 * part values: in
+// strips through a small buffer, which goes through memory once instead of twice.
+template <class T, Form kForm, bool kScaled>
+ZOV_NOINLINE void TwoStages(T* array, Index part, const T* twiddles, T scale) {
+  constexpr Index kStrip = 16;
+  alignas(64) T strip[32 * kStrip];
+  const T* const first = StageTable(twiddles, part);
+  const T* const second = StageTable(twiddles, 4 * part);
+  for (Index k = 0; k < part; k += kStrip) {
+    for (Index block = 0; block < 4; ++block) {
+      Radix4Run<T, Form::split, false>(array + 2 * (4 * block * part + k), part,
+                                       strip + 8 * block * kStrip, kStrip, first + 6 * k, kStrip,
+                                       T{});
+    }
+    for (Index block = 0; block < 4; ++block) {
+      const Index place = block * part + k;
+      Radix4Run<T, kForm, kScaled>(strip + 2 * block * kStrip, 4 * kStrip, array + 2 * place,
+                                   4 * part, second + 6 * place, kStrip, scale);
+    }
+  }
+}
+// Complex order from which that pays, as an array is beyond the second-level cache.
+template <class T>
+inline constexpr int kTwoStagesFrom = sizeof(T) == 8 && kLevel >= Level::avx ? 16 : kNever;
+
 // All stages behind the first pass on 2^c values of `array`; the last writes to `out`.
 template <class T, Form kForm, bool kScaled>
 ZOV_INLINE void AllStages(T* array, T* out, int c, const T* twiddles, T scale) {
@@ -244,6 +269,14 @@ ZOV_INLINE void AllStages(T* array, T* out, int c, const T* twiddles, T scale) {
   const int count = plan.count - 1;
   const int last = plan.logRadix[count];
   const Index part = Index{1} << (c - last);
+  if constexpr (kTwoStagesFrom<T> != kNever) {
+    if (c >= kTwoStagesFrom<T> && array == out) {  // their last two stages are of radix 4
+      for (Index i = 0; i < 16; ++i) {
+        RunStagesByPart(array + i * part / 2, c - 4, plan, count - 1, twiddles);
+      }
+      return TwoStages<T, kForm, kScaled>(array, part / 4, twiddles, scale);
+    }
+  }
   if (c <= kLogSegment<T>) {
     RunStages(array, c, plan, count, twiddles);
   } else {
