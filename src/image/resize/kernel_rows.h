@@ -140,22 +140,32 @@ ZOV_INLINE void CombineRounded(LineAt lineAt, const Real* weights, int taps, Zov
   std::int64_t i = begin;
   using Wide = Widest<Real>;
   constexpr int kVectors = kBytes ? kFloatsPerBytes : 4;
-  for (; i + kVectors * Wide::kLanes <= end; i += kVectors * Wide::kLanes) {
-    Wide sums[kVectors];
-    for (int v = 0; v < kVectors; ++v) sums[v] = Wide::Zero();
-    for (int k = 0; k < taps; ++k) {
-      const Real* const line = lineAt(k) + i;
-      const Wide weight = Wide::Broadcast(weights[k]);
-      for (int v = 0; v < kVectors; ++v) {
-        sums[v] = sums[v] + weight * Wide::Load(line + v * Wide::kLanes);
+  // Eight sums at a time, as four would wait for their additions.
+  const auto blocks = [&](auto parts) __attribute__((always_inline)) {
+    constexpr int kSums = decltype(parts)::value * kVectors;
+    for (; i + kSums * Wide::kLanes <= end; i += kSums * Wide::kLanes) {
+      Wide sums[kSums];
+      for (int v = 0; v < kSums; ++v) sums[v] = Wide::Zero();
+      for (int k = 0; k < taps; ++k) {
+        const Real* const line = lineAt(k) + i;
+        const Wide weight = Wide::Broadcast(weights[k]);
+        for (int v = 0; v < kSums; ++v) {
+          sums[v] = sums[v] + weight * Wide::Load(line + v * Wide::kLanes);
+        }
+      }
+      for (int v = 0; v < kSums; v += kVectors) {
+        if constexpr (kBytes) {
+          BytesRoundedHalfUp(sums + v).Store(row + i + v * Wide::kLanes);
+        } else {
+          for (int k = v; k < v + kVectors; ++k) {
+            sums[k].Store(row + (i + k * Wide::kLanes) * kElement);
+          }
+        }
       }
     }
-    if constexpr (kBytes) {
-      BytesRoundedHalfUp(sums).Store(row + i);
-    } else {
-      for (int v = 0; v < kVectors; ++v) sums[v].Store(row + (i + v * Wide::kLanes) * kElement);
-    }
-  }
+  };
+  blocks(std::integral_constant<int, 2>());
+  blocks(std::integral_constant<int, 1>());
   using V = Vec128<Real>;
   for (; i < end; i += V::kLanes) {
     V sum = V::Zero();
