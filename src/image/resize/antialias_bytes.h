@@ -246,37 +246,19 @@ class AntialiasBytes {
           return _mm_load_ps(at);
 #endif
         };
-        V four[4];
+        decltype(load(0)) four[4];
         TransposeFour(load(0), load(1), load(2), load(3), four);
         for (int k = 0; k < 4; ++k) {
           const int pixel = part + k;
           const int column = x + (kChannels == 1 ? 4 * pixel + j : pixel);
           // A narrow image has columns that no pixel needs.
           if (column < first_ || column >= first_ + columns_) continue;
-          four[k].StoreAligned(Column(column) + (kChannels == 1 ? r : j * kLanes));
+          V{(typename V::Native)four[k]}.StoreAligned(Column(column) +
+                                                      (kChannels == 1 ? r : j * kLanes));
         }
       }
     }
   }
-
-#if defined(__AVX__)
-  static ZOV_INLINE void TransposeFour(__m256 a, __m256 b, __m256 c, __m256 d, V* four) {
-    const __m256d ab = _mm256_castps_pd(_mm256_unpacklo_ps(a, b));
-    const __m256d cd = _mm256_castps_pd(_mm256_unpacklo_ps(c, d));
-    const __m256d abHigh = _mm256_castps_pd(_mm256_unpackhi_ps(a, b));
-    const __m256d cdHigh = _mm256_castps_pd(_mm256_unpackhi_ps(c, d));
-    four[0].v = _mm256_castpd_ps(_mm256_unpacklo_pd(ab, cd));
-    four[1].v = _mm256_castpd_ps(_mm256_unpackhi_pd(ab, cd));
-    four[2].v = _mm256_castpd_ps(_mm256_unpacklo_pd(abHigh, cdHigh));
-    four[3].v = _mm256_castpd_ps(_mm256_unpackhi_pd(abHigh, cdHigh));
-  }
-#else
-  static ZOV_INLINE void TransposeFour(__m128 a, __m128 b, __m128 c, __m128 d, V* four) {
-    __m128 turned[4];
-    ZOV_LEVEL_NAMESPACE::TransposeFour(a, b, c, d, turned);
-    for (int k = 0; k < 4; ++k) four[k].v = turned[k];
-  }
-#endif
 
   // Rows of the group from their block. False when too many pixels had to be computed twice.
   bool WriteRows(int row, int rows) {

@@ -28,6 +28,20 @@ ZOV_INLINE void TransposeFour(__m128 a, __m128 b, __m128 c, __m128 d, __m128* ta
   taps[3] = _mm_movehl_ps(cdHigh, abHigh);
 }
 
+#if defined(__AVX__)
+// The same in either half.
+ZOV_INLINE void TransposeFour(__m256 a, __m256 b, __m256 c, __m256 d, __m256* taps) {
+  const __m256d ab = _mm256_castps_pd(_mm256_unpacklo_ps(a, b));
+  const __m256d cd = _mm256_castps_pd(_mm256_unpacklo_ps(c, d));
+  const __m256d abHigh = _mm256_castps_pd(_mm256_unpackhi_ps(a, b));
+  const __m256d cdHigh = _mm256_castps_pd(_mm256_unpackhi_ps(c, d));
+  taps[0] = _mm256_castpd_ps(_mm256_unpacklo_pd(ab, cd));
+  taps[1] = _mm256_castpd_ps(_mm256_unpackhi_pd(ab, cd));
+  taps[2] = _mm256_castpd_ps(_mm256_unpacklo_pd(abHigh, cdHigh));
+  taps[3] = _mm256_castpd_ps(_mm256_unpackhi_pd(abHigh, cdHigh));
+}
+#endif
+
 template <int kTaps>
 ZOV_INLINE void LoadKernelTaps(const Zov8u* row, const std::int32_t* index, Vec<float, 4>* taps) {
   const auto at = [ row, index ](int k) __attribute__((always_inline)) {
@@ -71,18 +85,9 @@ ZOV_INLINE void LoadKernelTaps(const Zov8u* row, const std::int32_t* index, Vec<
   const auto both = [at](int k) __attribute__((always_inline)) {
     return _mm256_set_m128(_mm_loadu_ps(at(k + 4)), _mm_loadu_ps(at(k)));
   };
-  const __m256 a = both(0);
-  const __m256 b = both(1);
-  const __m256 c = both(2);
-  const __m256 d = both(3);
-  const __m256d ab = _mm256_castps_pd(_mm256_unpacklo_ps(a, b));
-  const __m256d cd = _mm256_castps_pd(_mm256_unpacklo_ps(c, d));
-  const __m256d abHigh = _mm256_castps_pd(_mm256_unpackhi_ps(a, b));
-  const __m256d cdHigh = _mm256_castps_pd(_mm256_unpackhi_ps(c, d));
-  taps[0].v = _mm256_castpd_ps(_mm256_unpacklo_pd(ab, cd));
-  taps[1].v = _mm256_castpd_ps(_mm256_unpackhi_pd(ab, cd));
-  taps[2].v = _mm256_castpd_ps(_mm256_unpacklo_pd(abHigh, cdHigh));
-  taps[3].v = _mm256_castpd_ps(_mm256_unpackhi_pd(abHigh, cdHigh));
+  __m256 four[4];
+  TransposeFour(both(0), both(1), both(2), both(3), four);
+  for (int k = 0; k < 4; ++k) taps[k].v = four[k];
   if constexpr (kTaps == 6) {
     const auto pair = [at](int k) __attribute__((always_inline)) {
       return reinterpret_cast<const __m64*>(at(k) + 4);
