@@ -139,6 +139,9 @@ class AntialiasColumns {
     for (; column < inImage && column < columns_; ++column) FillColumn(rows, column);
     if constexpr (sizeof(T) < 8) {
       constexpr int kStep = kChannels == 1 ? 4 : 1;
+#if defined(__AVX__)
+      if constexpr (sizeof(T) == 4 && kChannels == 1) column = FillWide(rows, column, inImage, end);
+#endif
       for (; column + kStep <= end; column += kStep) FillTile(rows, column);
     }
     for (; column < columns_; ++column) FillColumn(rows, column);
@@ -155,6 +158,47 @@ class AntialiasColumns {
       }
     }
   }
+
+#if defined(__AVX__)
+  // Columns from `column` on, whose neighbours at a distance of two lie in the image. Conversions
+  // from memory bring pixels to the half of a vector where they belong. Returns the next column.
+  int FillWide(const Zov8u* const* rows, int column, int begin, int end) const {
+    for (; column < begin + 2 && column < end; ++column) FillColumn(rows, column);
+    constexpr int kStrip = 16;
+    while (column + 6 <= end) {
+      const int rest = (end - 2 - column) / 4 * 4;
+      const int strip = rest < kStrip ? rest : kStrip;
+      for (int r = 0; r < kRows; r += 4) {
+        const auto row = [ rows, r, column, this ](int k) __attribute__((always_inline)) {
+          return reinterpret_cast<const float*>(rows[r + k]) + first_ + column;
+        };
+        const float* const row0 = row(0);
+        const float* const row1 = row(1);
+        const float* const row2 = row(2);
+        const float* const row3 = row(3);
+        double* to = block_ + std::int64_t{column} * kGroup + r;
+        const auto four = [](const float* p) __attribute__((always_inline)) {
+          return _mm256_cvtps_pd(_mm_loadu_ps(p));
+        };
+        for (int i = 0; i < strip; i += 4) {
+          const __m256d later2 = four(row2 + i);
+          const __m256d later3 = four(row3 + i);
+          const auto two = [to](__m256d even, __m256d odd, int k) __attribute__((always_inline)) {
+            _mm256_store_pd(to + k * kGroup, _mm256_unpacklo_pd(even, odd));
+            _mm256_store_pd(to + (k + 1) * kGroup, _mm256_unpackhi_pd(even, odd));
+          };
+          two(_mm256_blend_pd(four(row0 + i), four(row2 + i - 2), 12),
+              _mm256_blend_pd(four(row1 + i), four(row3 + i - 2), 12), 0);
+          two(_mm256_blend_pd(four(row0 + i + 2), later2, 12),
+              _mm256_blend_pd(four(row1 + i + 2), later3, 12), 2);
+          to += 4 * kGroup;
+        }
+      }
+      column += strip;
+    }
+    return column;
+  }
+#endif
 
   // Four columns of one channel, or one of four.
   ZOV_INLINE void FillTile(const Zov8u* const* rows, int column) const {
