@@ -265,6 +265,8 @@ class Linear8u {
         const std::int64_t at = i + half * Words::kLanes;
         const Words upper = LineAt<kUpper>(tables, source.upperRow, source.upper, at);
         const Words lower = LineAt<kLower>(tables, source.lowerRow, source.lower, at);
+        if constexpr (kUpper != PairSource::none) upper.StoreAligned(source.upper + at);
+        if constexpr (kLower != PairSource::none) lower.StoreAligned(source.lower + at);
         // The high half of the product of twice a difference with twice a weight, both within 16
         // bits, is the exact floor of the lower row's share.
         const Words difference = upper - lower;
@@ -289,14 +291,12 @@ class Linear8u {
   }
 
   template <PairSource kSource>
-  static ZOV_INLINE Words LineAt(const Tables& tables, const Zov8u* row, Line* line,
+  static ZOV_INLINE Words LineAt(const Tables& tables, const Zov8u* row, const Line* line,
                                  std::int64_t i) {
     if constexpr (kSource == PairSource::none) {
       return Words::LoadAligned(line + i);
     } else {
-      const Words words = ResampleAt<false, kSource>(tables, row, i);
-      words.StoreAligned(line + i);
-      return words;
+      return ResampleAt<false, kSource>(tables, row, i);
     }
   }
 
@@ -305,6 +305,9 @@ class Linear8u {
   static ZOV_INLINE Bytes LoadPairs(const Zov8u* row, const std::int32_t* bases,
                                     [[maybe_unused]] const Zov8u* controls) {
     if constexpr (kSource == PairSource::pairs) {
+#if defined(__AVX2__)
+      if constexpr (kChannels == 4) return LoadVectorPairs(row, bases);
+#endif
       __m128i lanes[kLanes];
       for (int i = 0; i < kLanes; ++i) lanes[i] = LoadLanePairs(row, bases + i * kLaneColumns);
       return JoinLanes(lanes);
@@ -325,6 +328,20 @@ class Linear8u {
     }
 #endif
   }
+
+#if defined(__AVX2__)
+  // Four pairs of pixels. Broadcasts and blends take no turn at the one unit that shuffles.
+  static ZOV_INLINE Bytes LoadVectorPairs(const Zov8u* row, const std::int32_t* bases) {
+    const auto pair = [ row, bases ](int i) __attribute__((always_inline)) {
+      return _mm256_set1_epi64x(LoadAs<std::int64_t>(row + bases[i]));
+    };
+    const __m256i low = _mm256_blend_epi32(pair(0), pair(1), 0x0C);
+    const __m256i high = _mm256_blend_epi32(pair(2), pair(3), 0xC0);
+    const __m128i control = _mm_setr_epi8(0, 4, 1, 5, 2, 6, 3, 7, 8, 12, 9, 13, 10, 14, 11, 15);
+    return {(Bytes::Native)_mm256_shuffle_epi8(_mm256_blend_epi32(low, high, 0xF0),
+                                               _mm256_broadcastsi128_si256(control))};
+  }
+#endif
 
   static ZOV_INLINE __m128i LoadLanePairs(const Zov8u* row, const std::int32_t* bases) {
     if constexpr (kChannels == 1) {
