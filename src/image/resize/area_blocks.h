@@ -24,7 +24,7 @@ void HalveRow(const Zov8u* upper, const Zov8u* lower, const AreaMeans<Zov8u, std
   int i = 0;
   for (; i + kBlock <= count; i += kBlock) {
     PrefetchNext(upper, lower, 2 * i);
-    writer.Write(block(i), at + i);
+    block(i).Store(writer.At(at + i));
   }
   if (i == count) return;
   if (count >= kBlock) {
@@ -47,7 +47,7 @@ void HalveRow(const Zov8u* upper, const Zov8u* lower, const AreaMeans<Zov32f, Zo
     const TwoVectors<VecF> u = LoadTwo<VecF>(upper + 8 * i);
     const TwoVectors<VecF> l = LoadTwo<VecF>(lower + 8 * i);
     const TwoVectors<VecF> sums = {VecF::Zero() + u.a + l.a, VecF::Zero() + u.b + l.b};
-    writer.Write(InOrder(means(EvenLanes(sums) + OddLanes(sums))), at + 4 * i);
+    InOrder(means(EvenLanes(sums) + OddLanes(sums))).Store(writer.At(at + 4 * i));
   }
   for (; i < count; ++i) {
     const auto sum = [&](int k) {
@@ -74,7 +74,7 @@ bool ReduceByHalf(const SourceView& source, const TargetView& target,
   for (int y = 0; y < geometry.y.count; ++y) {
     const Zov8u* const upper = source.Row(row.begin + 2 * y) + column.begin * kPixelBytes;
     HalveRow<kChannels>(upper, upper + source.step, means, geometry.x.count * kChannels,
-                        RowWriter(rows.Row(y)), 0);
+                        RowWriter(rows.Row(y), rows.step), 0);
   }
   return true;
 }

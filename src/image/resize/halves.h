@@ -6,12 +6,11 @@
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
-// Asks for what the next result row reads at the place that this one is at: the processor's own
-// prefetch starts anew with each row and each page.
+// Asks for what the next result row reads at the place that this one is at.
 ZOV_INLINE void PrefetchNext(const Zov8u* upper, const Zov8u* lower, std::int64_t i) {
   const std::ptrdiff_t next = 2 * (lower - upper) + i;
-  _mm_prefetch(reinterpret_cast<const char*>(upper + next), _MM_HINT_T0);
-  _mm_prefetch(reinterpret_cast<const char*>(lower + next), _MM_HINT_T0);
+  Prefetch(upper + next);
+  Prefetch(lower + next);
 }
 
 using WordSums = VecI<std::uint16_t>;

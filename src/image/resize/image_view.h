@@ -41,20 +41,28 @@ ZOV_INLINE void CopyBytes(const Zov8u* src, Zov8u* dst, std::int64_t bytes) {
   for (; i < bytes; ++i) dst[i] = src[i];
 }
 
-// Writes rows of vectors. No image is large enough to bypass the cache: on processors whose stores
-// wait for memory in a few line buffers, rows go out faster by way of the cache.
+// Asks for a cache line. The processor's own prefetch starts anew with each row and each page.
+ZOV_INLINE void Prefetch(const Zov8u* p) {
+  _mm_prefetch(reinterpret_cast<const char*>(p), _MM_HINT_T0);
+}
+
+// Writes rows of vectors, by way of the cache whatever the size of the image: processors whose
+// stores wait for memory in a few line buffers gain by that. Prefetches the place `ahead` bytes on,
+// where the next row goes.
 class RowWriter {
  public:
-  explicit RowWriter(Zov8u* row) : row_(row) {}
+  RowWriter(Zov8u* row, std::ptrdiff_t ahead) : row_(row), ahead_(ahead) {}
 
   template <class V>
   ZOV_INLINE void Write(V v, std::int64_t i) const {
+    Prefetch(row_ + i + ahead_);
     v.Store(row_ + i);
   }
   Zov8u* At(std::int64_t i) const { return row_ + i; }
 
  private:
   Zov8u* row_;
+  std::ptrdiff_t ahead_;
 };
 
 // Writes the first `count` bytes of a vector, fewer than all.

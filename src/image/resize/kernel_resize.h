@@ -119,7 +119,9 @@ class KernelResize {
     const int farBegin = width_ - xBands_.far;
     if (xBands_.near < farBegin) {
       const std::int64_t elements = std::int64_t{width_} * kChannels;
-      const RowWriter writers[2] = {RowWriter(dst_.Row(row)), RowWriter(dst_.Row(row + rows - 1))};
+      const std::ptrdiff_t ahead = rows * dst_.step;
+      const RowWriter writers[2] = {RowWriter(dst_.Row(row), ahead),
+                                    RowWriter(dst_.Row(row + rows - 1), ahead)};
       if constexpr (kTaps == 4) {
         if (rows == 2) CombineLines<T, kTaps, 2>(lines, weights, writers, elements);
       }

@@ -62,7 +62,10 @@ class LinearResize {
     return {srcY, Kernel::MakeWeight(fraction)};
   }
 
-  RowWriter Writer(int row) const { return RowWriter(dst_.Row(row)); }
+  // Of `rows` rows that are written together.
+  RowWriter Writer(int row, int rows = 1) const {
+    return RowWriter(dst_.Row(row), rows * dst_.step);
+  }
   const Zov8u* LastPixel(const Zov8u* srcRow) const {
     return srcRow + static_cast<std::int64_t>(x_.axis.extent - 1) * kPixelBytes;
   }
@@ -140,7 +143,7 @@ class LinearResize {
     const LinePair<Line> lines = {upperRow, lowerRow, upper.line, lower.line};
     if (paired) {
       const Weight weights[2] = {first.weight, second.weight};
-      const RowWriter writers[2] = {Writer(row), Writer(row + 1)};
+      const RowWriter writers[2] = {Writer(row, 2), Writer(row + 1, 2)};
       kernel_.template Combine<2>(lines, weights, writers);
     } else {
       const RowWriter writer = Writer(row);

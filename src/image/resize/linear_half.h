@@ -48,8 +48,8 @@ class HalfMeansReal {
     for (; i + V::kLanes <= count; i += V::kLanes) {
       const int source = 2 * i * kElement;
       PrefetchNext(upper, lower, source);
-      writer.Write(InOrder(Lerp<true>(line(upper + source), line(lower + source), half)),
-                   at + i * kElement);
+      InOrder(Lerp<true>(line(upper + source), line(lower + source), half))
+          .Store(writer.At(at + i * kElement));
     }
     if (i == count) return;
     // The rest out of a vector of its own.

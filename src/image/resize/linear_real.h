@@ -53,11 +53,19 @@ ZOV_INLINE Taps<Vec<double, 2>> LoadTaps2(const Zov8u* row, const std::int32_t* 
 }
 
 #if defined(__AVX__)
+// Broadcasts and blends take no turn at the one unit that shuffles.
 ZOV_INLINE void LoadTaps(const Zov8u* row, const std::int32_t* index, Taps<VecF>* taps) {
-  const Taps<Vec<float, 4>> low = LoadTaps4(row, index);
-  const Taps<Vec<float, 4>> high = LoadTaps4(row, index + 4);
-  taps->left = {_mm256_set_m128(high.left.v, low.left.v)};
-  taps->right = {_mm256_set_m128(high.right.v, low.right.v)};
+  const auto pair = [ row, index ](int k) __attribute__((always_inline)) {
+    return _mm256_set1_pd(LoadAs<double>(row + std::int64_t{index[k]} * 4));
+  };
+  const auto pairs = [pair](int k) __attribute__((always_inline)) {
+    const __m256d low = _mm256_blend_pd(pair(k), pair(k + 1), 2);
+    return _mm256_castpd_ps(_mm256_blend_pd(low, _mm256_blend_pd(pair(k + 4), pair(k + 5), 8), 12));
+  };
+  const __m256 even = pairs(0);
+  const __m256 odd = pairs(2);
+  taps->left = {_mm256_shuffle_ps(even, odd, 0x88)};
+  taps->right = {_mm256_shuffle_ps(even, odd, 0xDD)};
 }
 ZOV_INLINE void LoadTaps(const Zov8u* row, const std::int32_t* index, Taps<VecD>* taps) {
   const Taps<Vec<double, 2>> low = LoadTaps2(row, index);
@@ -74,6 +82,11 @@ ZOV_INLINE void LoadTaps(const Zov8u* row, const std::int32_t* index, Taps<VecD>
 }
 #endif
 
+// How a line element finds its pair of taps: the first taps of eight columns in one window of eight
+// pixels and the second in the next, both taps of four columns in one window, or each pair loaded
+// by itself. With `line` there is nothing to find, as the row has been resampled.
+enum class TapSource { line, window8, window4, pairs };
+
 template <class T>
 class LinearReal {
   using V = typename RealVector<T>::Type;
@@ -87,20 +100,22 @@ class LinearReal {
   LinearReal(WorkArena* arena, const ResizeAxis& axis, const ResizeBands& bands)
       : count_(axis.count), padded_((count_ + kPadding - 1) / kPadding * kPadding) {
     if (bands.near + bands.far >= count_) return;  // no row kernel runs
-    fraction_ = arena->Take<T>(padded_);
+    tables_.fractions = arena->Take<T>(padded_);
     if constexpr (kHasWindows) {
       if (axis.extent > 8) {
-        if (BuildWindows<8>(arena, axis, bands) || BuildWindows<4>(arena, axis, bands)) return;
+        if (BuildWindows<TapSource::window8>(arena, axis, bands)) return;
+        if (BuildWindows<TapSource::window4>(arena, axis, bands)) return;
       }
     }
-    index_ = arena->Take<std::int32_t>(padded_);
-    for (int i = 0; i < padded_; i += kPadding) SetColumns(axis, bands, i, index_ + i);
+    source_ = TapSource::pairs;
+    tables_.bases = arena->Take<std::int32_t>(padded_);
+    for (int i = 0; i < padded_; i += kPadding) SetColumns(axis, bands, i, tables_.bases + i);
   }
 
   std::int64_t LineLength() const { return padded_; }
 
-  void Resample(const Zov8u* row, Line* line) const { ResampleRow<true>(row, line); }
-  void ResampleBand(const Zov8u* row, Line* line) const { ResampleRow<false>(row, line); }
+  void Resample(const Zov8u* row, Line* line) const { ResampleFrom<true>(row, line); }
+  void ResampleBand(const Zov8u* row, Line* line) const { ResampleFrom<false>(row, line); }
 
   static Weight MakeWeight(double fraction) { return static_cast<T>(fraction); }
   // An infinite pixel shows even with a weight of zero, so no row is left out.
@@ -111,27 +126,40 @@ class LinearReal {
   // Writes kRows rows between the same two source rows.
   template <int kRows>
   void Combine(const LinePair<Line>& lines, const Weight* weights, const RowWriter* writers) const {
-    if (lines.upperRow != nullptr) Resample(lines.upperRow, lines.upper);
-    if (lines.lowerRow != nullptr) Resample(lines.lowerRow, lines.lower);
-    const Line* const upper = lines.upper;
-    const Line* const lower = lines.lower;
-    for (int r = 0; r < kRows; ++r) {
-      const V t = V::Broadcast(weights[r]);
-      StoreRow(
-          writers[r], [ upper, lower, t ](std::int64_t i) __attribute__((always_inline)) {
-            return Lerp<true>(V::LoadAligned(upper + i), V::LoadAligned(lower + i), t);
-          });
+    if (lines.lowerRow == nullptr) {
+      if (lines.upperRow != nullptr) Resample(lines.upperRow, lines.upper);
+      return CombineLines<kRows, TapSource::line, TapSource::line>(lines, weights, writers);
     }
+    if constexpr (kHasWindows) {
+      if (source_ == TapSource::window8) {
+        return CombineFrom<kRows, TapSource::window8>(lines, weights, writers);
+      }
+      if (source_ == TapSource::window4) {
+        return CombineFrom<kRows, TapSource::window4>(lines, weights, writers);
+      }
+    }
+    CombineFrom<kRows, TapSource::pairs>(lines, weights, writers);
   }
 
   void StoreUpper(const Line* line, const RowWriter& writer) const { StoreBand(line, writer); }
   void StoreBand(const Line* line, const RowWriter& writer) const {
-    StoreRow(
-        writer, [line](std::int64_t i)
-                    __attribute__((always_inline)) { return V::LoadAligned(line + i); });
+    constexpr int kElement = sizeof(T);
+    std::int64_t i = 0;
+    for (; i + V::kLanes <= count_; i += V::kLanes) {
+      writer.Write(V::LoadAligned(line + i), i * kElement);
+    }
+    if (i < count_) {
+      StoreFirst(V::LoadAligned(line + i), writer.At(i * kElement), (count_ - i) * kElement);
+    }
   }
 
  private:
+  struct Tables {
+    T* fractions;
+    std::int32_t* bases;
+    Zov8u* controls;
+  };
+
   // Indices and fractions of kPadding columns; those past the last repeat it.
   void SetColumns(const ResizeAxis& axis, const ResizeBands& bands, int column,
                   std::int32_t* index) {
@@ -140,19 +168,19 @@ class LinearReal {
     LinearSamplesInImage(axis, bands, column, filled, index, fraction);
     for (int k = 0; k < kPadding; ++k) {
       if (k >= filled) index[k] = index[filled - 1];
-      fraction_[column + k] = k < filled ? static_cast<T>(fraction[k]) : T{0};
+      tables_.fractions[column + k] = k < filled ? static_cast<T>(fraction[k]) : T{0};
     }
   }
 
-  // Tables for columns whose taps come out of windows of eight pixels: the first tap of eight
-  // columns out of one and the second out of the next, or both taps of four columns out of one.
-  template <int kColumns>
+  // Fills the tables for windows; false when some taps lie too far apart for them.
+  template <TapSource kSource>
   bool BuildWindows(WorkArena* arena, const ResizeAxis& axis, const ResizeBands& bands) {
     WorkArena trial = *arena;
+    constexpr int kColumns = kSource == TapSource::window8 ? 8 : 4;
     constexpr int kControls = 8;
-    perWindow_ = kColumns;
-    bases_ = trial.Take<std::int32_t>(padded_ / kColumns);
-    controls_ = trial.Take<Zov8u>(padded_ / kColumns * kControls);
+    source_ = kSource;
+    tables_.bases = trial.Take<std::int32_t>(padded_ / kColumns);
+    tables_.controls = trial.Take<Zov8u>(padded_ / kColumns * kControls);
     const int lastBase = axis.extent - (kColumns == 8 ? 9 : 8);
     const int lastTap = kColumns == 8 ? 7 : 6;
     for (int column = 0; column < padded_; column += kPadding) {
@@ -161,12 +189,13 @@ class LinearReal {
       for (int i = 0; i < kPadding; i += kColumns) {
         const int window = (column + i) / kColumns;
         const int base = index[i] < lastBase ? index[i] : lastBase;
-        bases_[window] = base;
+        Zov8u* const control = tables_.controls + window * kControls;
+        tables_.bases[window] = base;
         for (int k = 0; k < kColumns; ++k) {
           const int tap = index[i + k] - base;
           if (tap > lastTap) return false;
-          controls_[window * kControls + k] = static_cast<Zov8u>(tap);
-          if (kColumns == 4) controls_[window * kControls + 4 + k] = static_cast<Zov8u>(tap + 1);
+          control[k] = static_cast<Zov8u>(tap);
+          if (kColumns == 4) control[4 + k] = static_cast<Zov8u>(tap + 1);
         }
       }
     }
@@ -175,69 +204,125 @@ class LinearReal {
   }
 
   template <bool kFused>
-  void ResampleRow(const Zov8u* row, Line* line) const {
-#if defined(__AVX2__)
+  void ResampleFrom(const Zov8u* row, Line* line) const {
     if constexpr (kHasWindows) {
-      if (perWindow_ == 8 && index_ == nullptr) return ResampleWindows<kFused, 8>(row, line);
-      if (perWindow_ == 4 && index_ == nullptr) return ResampleWindows<kFused, 4>(row, line);
+      if (source_ == TapSource::window8) {
+        return ResampleRow<kFused, TapSource::window8>(row, line);
+      }
+      if (source_ == TapSource::window4) {
+        return ResampleRow<kFused, TapSource::window4>(row, line);
+      }
     }
-#endif
-    for (int i = 0; i < padded_; i += V::kLanes) {
-      Taps<V> taps;
-      LoadTaps(row, index_ + i, &taps);
-      Lerp<kFused>(taps.left, taps.right, V::LoadAligned(fraction_ + i)).StoreAligned(line + i);
+    ResampleRow<kFused, TapSource::pairs>(row, line);
+  }
+
+  template <bool kFused, TapSource kSource>
+  ZOV_INLINE void ResampleRow(const Zov8u* row, Line* line) const {
+    const Tables tables = tables_;
+    for (std::int64_t i = 0; i < padded_; i += V::kLanes) {
+      ResampleAt<kFused, kSource>(tables, row, i).StoreAligned(line + i);
     }
+  }
+
+  template <int kRows, TapSource kSource>
+  ZOV_INLINE void CombineFrom(const LinePair<Line>& lines, const Weight* weights,
+                              const RowWriter* writers) const {
+    if (lines.upperRow != nullptr) {
+      CombineLines<kRows, kSource, kSource>(lines, weights, writers);
+    } else {
+      CombineLines<kRows, TapSource::line, kSource>(lines, weights, writers);
+    }
+  }
+
+  // The vertical pass. Lines that are not there yet are resampled on the way.
+  template <int kRows, TapSource kUpper, TapSource kLower>
+  ZOV_NOINLINE void CombineLines(const LinePair<Line>& lines, const Weight* weights,
+                                 const RowWriter* writers) const {
+    constexpr int kElement = sizeof(T);
+    V scales[kRows];
+    for (int r = 0; r < kRows; ++r) scales[r] = V::Broadcast(weights[r]);
+    // Copies that no store can alias.
+    const LinePair<Line> source = lines;
+    const Tables tables = tables_;
+    const RowWriter first = writers[0];
+    const RowWriter second = writers[kRows - 1];
+    const std::int64_t count = count_;
+    const auto vector = [&](std::int64_t i, V * out) __attribute__((always_inline)) {
+      const V upper = LineAt<kUpper>(tables, source.upperRow, source.upper, i);
+      const V lower = LineAt<kLower>(tables, source.lowerRow, source.lower, i);
+      if constexpr (kUpper != TapSource::line) upper.StoreAligned(source.upper + i);
+      if constexpr (kLower != TapSource::line) lower.StoreAligned(source.lower + i);
+      for (int r = 0; r < kRows; ++r) out[r] = Lerp<true>(upper, lower, scales[r]);
+    };
+    V out[kRows];
+    std::int64_t i = 0;
+    for (; i + V::kLanes <= count; i += V::kLanes) {
+      vector(i, out);
+      first.Write(out[0], i * kElement);
+      if constexpr (kRows == 2) second.Write(out[1], i * kElement);
+    }
+    if (i < count) {
+      vector(i, out);
+      for (int r = 0; r < kRows; ++r) {
+        StoreFirst(out[r], writers[r].At(i * kElement), (count - i) * kElement);
+      }
+    }
+  }
+
+  template <TapSource kSource>
+  static ZOV_INLINE V LineAt(const Tables& tables, const Zov8u* row, const Line* line,
+                             std::int64_t i) {
+    if constexpr (kSource == TapSource::line) {
+      return V::LoadAligned(line + i);
+    } else {
+      return ResampleAt<true, kSource>(tables, row, i);
+    }
+  }
+
+  // A vector of the line of a source row, from element i on.
+  template <bool kFused, TapSource kSource>
+  static ZOV_INLINE V ResampleAt(const Tables& tables, const Zov8u* row, std::int64_t i) {
+    Taps<V> taps;
+    if constexpr (kSource == TapSource::pairs) {
+      LoadTaps(row, tables.bases + i, &taps);
+    } else {
+      LoadWindows<kSource>(tables, row, i, &taps);
+    }
+    return Lerp<kFused>(taps.left, taps.right, V::LoadAligned(tables.fractions + i));
   }
 
 #if defined(__AVX2__)
-  template <bool kFused, int kColumns>
-  ZOV_INLINE void ResampleWindows(const Zov8u* row, Line* line) const {
-    const auto window = [row](int base) __attribute__((always_inline)) {
-      return _mm256_loadu_ps(reinterpret_cast<const float*>(row + std::int64_t{base} * 4));
+  template <TapSource kSource>
+  static ZOV_INLINE void LoadWindows(const Tables& tables, const Zov8u* row, std::int64_t i,
+                                     Taps<V>* taps) {
+    const auto window = [row](std::int64_t base) __attribute__((always_inline)) {
+      return _mm256_loadu_ps(reinterpret_cast<const float*>(row + base * 4));
     };
-    const auto control = [this](int i) __attribute__((always_inline)) {
+    const auto control = [&tables](std::int64_t k) __attribute__((always_inline)) {
       return _mm256_cvtepu8_epi32(
-          _mm_loadl_epi64(reinterpret_cast<const __m128i*>(controls_ + std::int64_t{i} * 8)));
+          _mm_loadl_epi64(reinterpret_cast<const __m128i*>(tables.controls + k * 8)));
     };
-    for (int i = 0; i < padded_; i += 8) {
-      V left;
-      V right;
-      if constexpr (kColumns == 8) {
-        const int base = bases_[i / 8];
-        const __m256i lanes = control(i / 8);
-        left.v = _mm256_permutevar8x32_ps(window(base), lanes);
-        right.v = _mm256_permutevar8x32_ps(window(base + 1), lanes);
-      } else {
-        const __m256 a = _mm256_permutevar8x32_ps(window(bases_[i / 4]), control(i / 4));
-        const __m256 b = _mm256_permutevar8x32_ps(window(bases_[i / 4 + 1]), control(i / 4 + 1));
-        left.v = _mm256_permute2f128_ps(a, b, 0x20);
-        right.v = _mm256_permute2f128_ps(a, b, 0x31);
-      }
-      Lerp<kFused>(left, right, V::LoadAligned(fraction_ + i)).StoreAligned(line + i);
+    if constexpr (kSource == TapSource::window8) {
+      const std::int64_t base = tables.bases[i / 8];
+      const __m256i lanes = control(i / 8);
+      taps->left.v = _mm256_permutevar8x32_ps(window(base), lanes);
+      taps->right.v = _mm256_permutevar8x32_ps(window(base + 1), lanes);
+    } else {
+      const auto four = [&](std::int64_t k) __attribute__((always_inline)) {
+        return _mm256_permutevar8x32_ps(window(tables.bases[k]), control(k));
+      };
+      const __m256 a = four(i / 4);
+      const __m256 b = four(i / 4 + 1);
+      taps->left.v = _mm256_permute2f128_ps(a, b, 0x20);
+      taps->right.v = _mm256_permute2f128_ps(a, b, 0x31);
     }
   }
 #endif
-
-  template <class ValuesAt>
-  ZOV_INLINE void StoreRow(RowWriter writer, ValuesAt values) const {
-    constexpr int kElement = sizeof(T);
-    int i = 0;
-    for (; i + V::kLanes <= count_; i += V::kLanes) {
-      writer.Write(values(i), std::int64_t{i} * kElement);
-    }
-    if (i < count_) {
-      StoreFirst(values(i), writer.At(std::int64_t{i} * kElement),
-                 std::int64_t{count_ - i} * kElement);
-    }
-  }
 
   int count_;
   int padded_;
-  int perWindow_ = 0;
-  T* fraction_ = nullptr;
-  std::int32_t* index_ = nullptr;  // null when windows are used
-  std::int32_t* bases_ = nullptr;
-  Zov8u* controls_ = nullptr;
+  TapSource source_ = TapSource::pairs;
+  Tables tables_ = {};
 };
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

@@ -14,18 +14,31 @@ void ResizeNearest(SourceView src, TargetView dst, const ResizeGeometry& geometr
   const typename NearestColumnsOf<Pixel>::Type columns(&arena, geometry.x);
   const std::int64_t rowBytes = std::int64_t{geometry.x.count} * kPixel;
   const TargetView rows = {dst.Row(geometry.y.first) + geometry.x.first * kPixel, dst.step};
-  // A row that repeats its source row is a copy of the row above, unless rows share bytes.
-  const bool copies = dst.step >= rowBytes || -dst.step >= rowBytes;
-  std::int32_t previous = -1;
-  for (int i = 0; i < geometry.y.count; ++i) {
+  // Two rows from the same source row are written together, unless rows share bytes.
+  const bool rowsApart = dst.step >= rowBytes || -dst.step >= rowBytes;
+  const auto sourceRow = [&geometry](int row) {
     std::int32_t srcY;
-    NearestSamples(geometry.y, i, 1, &srcY);
-    if (copies && srcY == previous) {
-      CopyBytes(rows.Row(i - 1), rows.Row(i), rowBytes);
-    } else {
-      columns.CopyRow(src.Row(srcY), RowWriter(rows.Row(i)));
+    NearestSamples(geometry.y, row, 1, &srcY);
+    return srcY;
+  };
+  std::int32_t next = sourceRow(0);
+  for (int row = 0; row < geometry.y.count;) {
+    const std::int32_t srcY = next;
+    const int end = geometry.y.count;
+    int written = 1;
+    if (row + 1 < end) next = sourceRow(row + 1);
+    if (row + 1 < end && rowsApart && next == srcY) {
+      written = 2;
+      if (row + 2 < end) next = sourceRow(row + 2);
     }
-    previous = srcY;
+    const std::ptrdiff_t ahead = written * rows.step;
+    const RowWriter writers[2] = {{rows.Row(row), ahead}, {rows.Row(row + written - 1), ahead}};
+    if (written == 2) {
+      columns.template CopyRow<2>(src.Row(srcY), src.Row(next), writers);
+    } else {
+      columns.template CopyRow<1>(src.Row(srcY), src.Row(next), writers);
+    }
+    row += written;
   }
 }
 

@@ -6,6 +6,12 @@
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
+// The same vector in kRows rows.
+template <int kRows, class V>
+ZOV_INLINE void WriteRows(const RowWriter* writers, V v, std::int64_t i) {
+  for (int r = 0; r < kRows; ++r) writers[r].Write(v, i);
+}
+
 // Pixel is an unsigned integer as wide as a pixel with all its channels. One index for each column.
 template <class Pixel>
 class NearestIndices {
@@ -21,21 +27,28 @@ class NearestIndices {
 #endif
   }
 
-  void CopyRow(const Zov8u* src, RowWriter writer) const {
+  // Writes kRows equal rows. `nextSrc` is the source row after `src` that is used.
+  template <int kRows>
+  void CopyRow(const Zov8u* src, const Zov8u* nextSrc, const RowWriter* writers) const {
     std::int64_t i = 0;
 #if defined(__AVX2__)
     if constexpr (kPixel == 4) {
-      if (perWindow_ == 8) i = CopyWindows<8>(src, writer);
-      if (perWindow_ == 4) i = CopyWindows<4>(src, writer);
+      if (perWindow_ == 8) i = CopyWindows<kRows, 8>(src, writers);
+      if (perWindow_ == 4) i = CopyWindows<kRows, 4>(src, writers);
     }
 #endif
     if constexpr (kPixel > 1) {
       constexpr int kLanePixels = 16 / kPixel;
       for (; i + kLanePixels <= count_; i += kLanePixels) {
-        writer.Write(Gather(src, index_ + i), i * kPixel);
+        Prefetch(nextSrc + std::int64_t{index_[i]} * kPixel);
+        WriteRows<kRows>(writers, Gather(src, index_ + i), i * kPixel);
       }
     }
-    for (; i < count_; ++i) StoreAs(writer.At(i * kPixel), PixelAt(src, index_[i]));
+    const std::int64_t rest = i;
+    for (; i < count_; ++i) StoreAs(writers[0].At(i * kPixel), PixelAt(src, index_[i]));
+    if constexpr (kRows == 2) {
+      CopyBytes(writers[0].At(rest * kPixel), writers[1].At(rest * kPixel), (i - rest) * kPixel);
+    }
   }
 
  private:
@@ -61,31 +74,35 @@ class NearestIndices {
   }
   bool Fits(int columns) const {
     for (int i = 0; i + columns <= count_; i += columns) {
-      if (index_[i + columns - 1] - WindowOf(i) > 7) return false;
+      const int base = index_[i] < lastWindow_ ? index_[i] : lastWindow_;
+      if (index_[i + columns - 1] - base > 7) return false;
     }
     return true;
   }
-  ZOV_INLINE int WindowOf(std::int64_t i) const {
-    return index_[i] < lastWindow_ ? index_[i] : lastWindow_;
-  }
 
-  template <int kColumns>
-  ZOV_INLINE std::int64_t CopyWindows(const Zov8u* src, const RowWriter& writer) const {
+  template <int kRows, int kColumns>
+  ZOV_INLINE std::int64_t CopyWindows(const Zov8u* src, const RowWriter* writers) const {
+    // Copies that no store can alias.
+    const RowWriter rows[2] = {writers[0], writers[kRows - 1]};
+    const std::int32_t* const index = index_;
+    const std::int64_t count = count_;
+    const std::int32_t lastWindow = lastWindow_;
+    // The permutation looks at the low bits alone, so lanes of the other window do no harm.
+    const auto window = [ src, index, lastWindow ](std::int64_t at, __m256i columns)
+        __attribute__((always_inline)) {
+      const std::int32_t base = index[at] < lastWindow ? index[at] : lastWindow;
+      const __m256i lanes = _mm256_sub_epi32(columns, _mm256_set1_epi32(base));
+      return _mm256_permutevar8x32_epi32(Load256(src + std::int64_t{base} * 4), lanes);
+    };
     std::int64_t i = 0;
-    for (; i + kColumns <= count_; i += kColumns) {
-      const int base = WindowOf(i);
-      const __m256i window = Load256(src + std::int64_t{base} * 4);
-      if constexpr (kColumns == 8) {
-        const __m256i lanes = _mm256_sub_epi32(Load256(index_ + i), _mm256_set1_epi32(base));
-        using Pixels = VecI<std::int32_t>;
-        writer.Write(Pixels{(Pixels::Native)_mm256_permutevar8x32_epi32(window, lanes)}, i * 4);
-      } else {
-        const __m128i lanes = _mm_sub_epi32(
-            _mm_loadu_si128(reinterpret_cast<const __m128i*>(index_ + i)), _mm_set1_epi32(base));
-        const __m256i pixels = _mm256_permutevar8x32_epi32(window, _mm256_castsi128_si256(lanes));
-        using Pixels = Vec128<std::int32_t>;
-        writer.Write(Pixels{(Pixels::Native)_mm256_castsi256_si128(pixels)}, i * 4);
+    for (; i + 8 <= count; i += 8) {
+      const __m256i columns = Load256(index + i);
+      __m256i pixels = window(i, columns);
+      if constexpr (kColumns == 4) {
+        pixels = _mm256_blend_epi32(pixels, window(i + 4, columns), 0xF0);
       }
+      using Pixels = VecI<std::int32_t>;
+      WriteRows<kRows>(rows, Pixels{(Pixels::Native)pixels}, i * 4);
     }
     return i;
   }
@@ -124,16 +141,19 @@ class NearestBytes {
     NearestSamples(axis, 0, count_, bases_);
   }
 
-  void CopyRow(const Zov8u* src, RowWriter writer) const {
+  // Writes kRows equal rows.
+  template <int kRows>
+  void CopyRow(const Zov8u* src, const Zov8u*, const RowWriter* writers) const {
     switch (perWindow_) {
       case 16:
-        return CopyBlocks<16>(src, writer);
+        return CopyBlocks<kRows, 16>(src, writers);
       case 8:
-        return CopyBlocks<8>(src, writer);
+        return CopyBlocks<kRows, 8>(src, writers);
       case 4:
-        return CopyBlocks<4>(src, writer);
+        return CopyBlocks<kRows, 4>(src, writers);
       default:
-        for (int i = 0; i < count_; ++i) *writer.At(i) = src[bases_[i]];
+        for (int i = 0; i < count_; ++i) *writers[0].At(i) = src[bases_[i]];
+        if constexpr (kRows == 2) CopyBytes(writers[0].At(0), writers[1].At(0), count_);
     }
   }
 
@@ -172,18 +192,21 @@ class NearestBytes {
     return true;
   }
 
-  template <int kColumns>
-  ZOV_INLINE void CopyBlocks(const Zov8u* src, const RowWriter& writer) const {
+  template <int kRows, int kColumns>
+  ZOV_INLINE void CopyBlocks(const Zov8u* src, const RowWriter* writers) const {
+    const RowWriter rows[2] = {writers[0], writers[kRows - 1]};
     const std::int32_t* bases = bases_;
     const Zov8u* controls = controls_;
     const std::int64_t count = count_;
     std::int64_t i = 0;
     for (; i + kWindow <= count; i += kWindow) {
-      writer.Write(Gather<kColumns>(src, bases, controls), i);
+      WriteRows<kRows>(rows, Gather<kColumns>(src, bases, controls), i);
       bases += kWindow / kColumns;
       controls += kWindow / kColumns * ControlBytes(kColumns);
     }
-    if (i < count) StoreFirst(Gather<kColumns>(src, bases, controls), writer.At(i), count - i);
+    if (i == count) return;
+    const Block last = Gather<kColumns>(src, bases, controls);
+    for (int r = 0; r < kRows; ++r) StoreFirst(last, writers[r].At(i), count - i);
   }
 
   // The next 16 destination pixels.
