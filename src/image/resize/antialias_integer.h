@@ -169,8 +169,9 @@ class AntialiasInteger {
     constexpr int kExact = (1 << 24) / 255;  // such sums are exact as floats
     low_ = shift == 0 ? Low::none : most < kExact ? Low::exact : Low::carried;
     shift_ = shift;
-    // Integer vectors half as wide as those of floats gain nothing then.
-    if (kLevel == Level::avx && low_ == Low::carried) return false;
+    // Integer vectors half as wide as those of floats pay with short sums only.
+    constexpr int kShort = 3;
+    if (kLevel == Level::avx && low_ != Low::none && pairCount_ > kShort) return false;
     return most < (1 << 30) / 255;
   }
   static std::int32_t Pair(const std::int32_t* words) {
