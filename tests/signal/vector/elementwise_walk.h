@@ -129,7 +129,8 @@ class Walk {
                               shift * (k + 2) + n * (n % 3))...,
                         dst, static_cast<int>(n));
     ASSERT_EQ(status, zovStsNoErr);
-    for (std::size_t i = 0; i < before; ++i) ASSERT_EQ(*(raw - before + i), kByte) << "before " << i;
+    for (std::size_t i = 0; i < before; ++i)
+      ASSERT_EQ(*(raw - before + i), kByte) << "before " << i;
     for (std::size_t i = 0; i < after; ++i) ASSERT_EQ(raw[bytes + i], kByte) << "after " << i;
     if (std::memcmp(raw, expected_.data(), bytes) != 0) Compare(level, n, raw);
   }
