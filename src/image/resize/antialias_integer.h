@@ -215,8 +215,9 @@ class AntialiasInteger {
     Zov8u copies[kRows][kEdge];
     const Zov8u* rows[kRows];
     for (int r = 0; r < kRows; ++r) {
-      CopyWithEdges(sources[r], edge, copies[r]);
-      rows[r] = copies[r] - edge.first;
+      Zov8u* const copy = copies[r];
+      CopyWithEdges(sources[r], edge, copy);
+      rows[r] = copy - edge.first;
     }
     SumUnits<kLow>(rows, lines, edge.begin, edge.end);
   }
