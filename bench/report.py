@@ -14,11 +14,12 @@ from collections import namedtuple
 
 # What we hold ourselves to at the highest level. The mean is the geometric mean of the ratios of the
 # operations that `operations` matches; a floor is for the mean of each operation, or for each size.
-# `sizes` narrows an aim to the sizes that it matches.
-Aim = namedtuple("Aim", "family operations mean floor floor_of sizes", defaults=(None, None, ".*"))
+# `sizes` narrows an aim to the sizes that it matches, `peers` to the peers.
+Aim = namedtuple("Aim", "family operations mean floor floor_of sizes peers",
+                 defaults=(None, None, ".*", ".*"))
 FRAME_SIZES = r".* to (1280x720|3840x2160|480x270)$"
 AIMS = [
-    Aim("memory", ".*", 1.0, 0.85, "size"),
+    Aim("memory", ".*", 1.0, 0.85, "size", peers="w?mem(cpy|set)"),
     Aim("arithmetic", "zovs(?!Phase)", 1.1, 0.95, "operation"),
     Aim("search", "zovsFind", 2.0),
     Aim("search", "zovs(Threshold|ReplaceC)", 1.0),
@@ -71,9 +72,14 @@ class Case:
         """In the case's unit: work a nanosecond is giga, times 1000 is mega."""
         return self.work / figure.ns * (1 if self.unit.startswith("G") else 1000)
 
+    def ratio_to(self, peers):
+        names = re.compile(peers)
+        best = min(figure.ns for figure in self.of("peer") if names.match(figure.name))
+        return best / self.best("ours").ns
+
     @property
     def ratio(self):
-        return self.best("peer").ns / self.best("ours").ns
+        return self.ratio_to(".*")
 
 
 def geometric_mean(values):
@@ -165,13 +171,15 @@ def print_aim(aim, family, cases, means):
     if aim.family != family or not matching:
         return
     verdict = lambda holds: "holds" if holds else "MISSED"
-    mean = geometric_mean([case.ratio for case in matching])
+    mean = geometric_mean([case.ratio_to(aim.peers) for case in matching])
     of = "" if aim.operations == ".*" else f" for {aim.operations}"
     of += "" if aim.sizes == ".*" else f" {matching[0].size} to {matching[-1].size}"
+    of += "" if aim.peers == ".*" else f" against {aim.peers}"
     text = f"aim{of}: mean {aim.mean:.2f}: {verdict(mean >= aim.mean)} with {mean:.2f}"
     if aim.floor is not None:
         if aim.floor_of == "size":
-            each = {f"{case.operation}, {case.size}": case.ratio for case in matching}
+            each = {f"{case.operation}, {case.size}": case.ratio_to(aim.peers)
+                    for case in matching}
         else:
             each = {case.operation: means[case.operation] for case in matching}
         lowest = min(each, key=each.get)

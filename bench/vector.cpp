@@ -1,6 +1,8 @@
 // Cases of the element-wise primitives: memory, arithmetic, search and thresholds.
 #include <algorithm>
+#include <bit>
 #include <cstring>
+#include <cwchar>
 #include <string>
 #include <type_traits>
 
@@ -139,11 +141,18 @@ void AddMemoryCases(Cases& cases) {
   const auto fillBytes = [](Contest& contest, const auto& o) {
     contest.Peer("memset", [=] { std::memset(o.out, o.value, Bytes(o)); });
   };
+  const auto fillWords = [](Contest& contest, const auto& o) {
+    static_assert(sizeof(wchar_t) == sizeof(*o.out));
+    contest.Peer("wmemset", [=] {
+      std::wmemset(reinterpret_cast<wchar_t*>(o.out), std::bit_cast<wchar_t>(o.value),
+                   static_cast<std::size_t>(o.len));
+    });
+  };
   memory.Add<Zov32f>(ROUTINE(zovsCopy_32f), kOneSource, copy);
   memory.Add<Zov64f>(ROUTINE(zovsCopy_64f), kOneSource, copy);
   memory.Add<Zov8u>(ROUTINE(zovsSet_8u), kFill, fillBytes);
-  memory.Add<Zov32s>(ROUTINE(zovsSet_32s), kFill);
-  memory.Add<Zov32f>(ROUTINE(zovsSet_32f), kFill);
+  memory.Add<Zov32s>(ROUTINE(zovsSet_32s), kFill, fillWords);
+  memory.Add<Zov32f>(ROUTINE(zovsSet_32f), kFill, fillWords);
   memory.Add<Zov32f>(ROUTINE(zovsZero_32f), kInPlace, clear);
   memory.Add<Zov64f>(ROUTINE(zovsZero_64f), kInPlace, clear);
 }

@@ -30,15 +30,20 @@ constexpr bool ExceedsCache(Level level, std::int64_t bytes, std::int32_t cacheB
   return level >= Level::avx ? cacheBytes < bytes : 2 * bytes >= cacheBytes;
 }
 
-ZOV_INLINE bool BypassesCache(std::int64_t bytes, std::int64_t floor) {
-  if (floor == kNeverBypass || bytes < floor) return false;
-  Zov32s cacheBytes = 0;
+// The size of the cache that data of this size compares with; 0 where nobody asks, or none is
+// known.
+ZOV_INLINE std::int32_t CacheToCompare(std::int64_t bytes, std::int64_t floor) {
+  if (floor == kNeverBypass || bytes < floor) return 0;
   if constexpr (kLevel >= Level::avx) {
-    if (zovCacheSizeQuery(&cacheBytes) != zovStsNoErr) return false;
+    Zov32s cacheBytes = 0;
+    return zovCacheSizeQuery(&cacheBytes) == zovStsNoErr ? cacheBytes : 0;
   } else {
-    cacheBytes = zovCacheShareOf(zovCpuRunCpuid);
+    return zovCacheShareOf(zovCpuRunCpuid);
   }
-  return ExceedsCache(kLevel, bytes, cacheBytes);
+}
+
+ZOV_INLINE bool BypassesCache(std::int64_t bytes, std::int64_t floor) {
+  return ExceedsCache(kLevel, bytes, CacheToCompare(bytes, floor));
 }
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

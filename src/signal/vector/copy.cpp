@@ -53,6 +53,10 @@ void CopyOntoItself(const void* pSrc, void* pDst, std::int64_t bytes) {
   while (dst < end) *dst++ = *src++;
 }
 
+void CopyAskingAhead(const Zov8u* src, Zov8u* dst, std::int64_t bytes) {
+  CopyPasses<true>(src, dst, bytes);
+}
+
 void CopyStreaming(const void* pSrc, void* pDst, std::int64_t bytes) {
   using Run = Several<Half, 4>;
   constexpr std::int64_t kBlock = 0x40000;

@@ -18,6 +18,9 @@ ZovStatus zovCopyBytes(const void* pSrc, void* pDst, std::int64_t bytes);
 // and after the last, 16 bytes at a time between. Level sse2.
 void CopyOntoItself(const void* pSrc, void* pDst, std::int64_t bytes);
 
+// Copies by the loop, with the destination's lines asked for ahead. More than 256 bytes.
+void CopyAskingAhead(const Zov8u* src, Zov8u* dst, std::int64_t bytes);
+
 // Copies with stores that bypass the cache. Levels sse3 to sse4; at least 64 bytes.
 void CopyStreaming(const void* pSrc, void* pDst, std::int64_t bytes);
 

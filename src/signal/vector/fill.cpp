@@ -16,32 +16,48 @@ ZOV_INLINE Zov8u* PutPiece(Zov8u* dst, std::int64_t rest, T piece) {
   return dst + kBytes;
 }
 
-// Ordinary stores once more, but by the instruction that knows how much is to come. Beyond the
-// last-level cache it takes between a third of a loop's time and 1.2 times it, by the processor.
-// The stores of the ends come first, as those after it would wait for it, and only where needed, as
-// it waits for them.
-ZOV_INLINE void FillByStringStore(Half pattern, Zov8u* dst, std::int64_t bytes) {
-  const std::uint64_t bits = static_cast<std::uint64_t>(pattern.v[0]);
-  Zov8u* const end = dst + bytes;
-  if (!IsAligned<8>(end)) Put(end - 8, bits);
-  if (const std::uintptr_t head = BytesToAlign<64>(dst)) {
-    PutPass<false>(TwiceIfWider(pattern), dst);
-    dst += head;
+// Ordinary stores for what fits a cache of known size, but not a quarter of it. The string store
+// keeps fewer lines under way there: at half the cache this takes half its time.
+ZOV_INLINE void FillAskingAhead(Chunk pattern, Zov8u* dst, std::int64_t bytes) {
+  Zov8u* const lastPass = dst + bytes - kPass;
+  PutPass<false>(pattern, dst);
+  dst += BytesToAlign<64>(dst);
+  for (; dst < lastPass; dst += kPass) {
+    AskForPass(dst, 4096);
+    PutPass<true>(pattern, dst);
   }
-  StringStore(dst, bits, (end - dst) / 8);
+  PutPass<false>(pattern, lastPass);
 }
 
 }  // namespace
+
+// Ordinary stores once more, but by the instruction that knows how much is to come. The stores of
+// the ends come first, as those after it would wait for it, and only where needed, as it waits for
+// them.
+void FillByStringStore(std::uint64_t bits, Zov8u* dst, std::int64_t bytes) {
+  Zov8u* const end = dst + bytes;
+  if (!IsAligned<8>(end)) Put(end - 8, bits);
+  if (const std::uintptr_t head = BytesToAlign<64>(dst)) {
+    PutPass<false>(PatternOf(bits), dst);
+    dst += head;
+  }
+  StringStore(dst, bits, static_cast<std::uint64_t>(end - dst) / 8);
+}
 
 void FillLarge(Half pattern, Zov8u* dst, std::int64_t bytes, std::int64_t floor, int elementBytes) {
   const bool aligned =
       (reinterpret_cast<std::uintptr_t>(dst) & static_cast<std::uintptr_t>(elementBytes - 1)) == 0;
   if (!aligned) {
     FillPasses<false>(TwiceIfWider(pattern), dst, bytes);
-  } else if (BypassesCache(bytes, floor)) {
+    return;
+  }
+  const std::int32_t cacheBytes = CacheToCompare(bytes, floor);
+  if (ExceedsCache(kLevel, bytes, cacheBytes)) {
     FillStreaming(&pattern, dst, bytes);
+  } else if (kLevel >= Level::avx && cacheBytes > 0 && bytes > cacheBytes / 4) {
+    FillAskingAhead(TwiceIfWider(pattern), dst, bytes);
   } else if (kLevel >= Level::avx && elementBytes <= 8) {
-    FillByStringStore(pattern, dst, bytes);
+    FillByStringStore(static_cast<std::uint64_t>(pattern.v[0]), dst, bytes);
   } else {
     FillPasses<true>(TwiceIfWider(pattern), dst, bytes);
   }

@@ -43,6 +43,15 @@ ZOV_INLINE std::uintptr_t BytesPastAligned(const void* p) {
   return reinterpret_cast<std::uintptr_t>(p) & (kAlignment - 1);
 }
 
+// Asks for the cache lines that the pass `ahead` bytes further on stores. They may lie beyond the
+// array, where that does nothing.
+ZOV_INLINE void AskForPass(const Zov8u* dst, int ahead) {
+  constexpr int kCacheLine = 64;
+  for (int i = 0; i < kPass; i += kCacheLine) {
+    _mm_prefetch(reinterpret_cast<const char*>(dst) + ahead + i, _MM_HINT_T0);
+  }
+}
+
 ZOV_INLINE Half LowHalf(Chunk a) {
 #if defined(__AVX__)
   return {(Half::Native)_mm256_castsi256_si128((__m256i)a.v)};

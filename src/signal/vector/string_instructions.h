@@ -43,7 +43,7 @@ ZOV_INLINE void StringMove(const Zov8u*& src, Zov8u*& dst, std::int64_t count) {
 }
 
 // Stores `count` times 8 bytes.
-ZOV_INLINE void StringStore(Zov8u* dst, std::uint64_t bits, std::int64_t count) {
+ZOV_INLINE void StringStore(Zov8u* dst, std::uint64_t bits, std::uint64_t count) {
   asm volatile("rep stosq" : "+D"(dst), "+c"(count) : "a"(bits) : "memory");
 }
 
