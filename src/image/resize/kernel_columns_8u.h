@@ -8,29 +8,50 @@
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
-// Floats next to the integers of the same number of lanes: level avx has wide floats alone.
+// Floats next to the integers of the same number of lanes.
 using ByteFloats = Vec<float, kIntVectorBytes / 4>;
 
 #if defined(__AVX2__)
 ZOV_INLINE ByteFloats ToFloats(__m256i v) { return {_mm256_cvtepi32_ps(v)}; }
-template <int kByte>
-ZOV_INLINE ByteFloats FloatsOfByte(Bytes v) {
-  __m256i x = (__m256i)v.v;
-  if constexpr (kByte > 0) x = _mm256_srli_epi32(x, 8 * kByte);
-  if constexpr (kByte < 3) x = _mm256_and_si256(x, _mm256_set1_epi32(0xFF));
-  return ToFloats(x);
-}
 #else
 ZOV_INLINE ByteFloats ToFloats(__m128i v) { return {_mm_cvtepi32_ps(v)}; }
+#endif
+
+// The bytes of as many 32-bit lanes as there are wide floats: level avx has wide floats alone, and
+// needs two vectors of bytes for them.
+struct WideBytes {
+  static constexpr int kParts = VecF::kBytes / Bytes::kBytes;
+  Bytes part[kParts];
+};
+
 // Byte kByte of every 32-bit lane.
 template <int kByte>
-ZOV_INLINE ByteFloats FloatsOfByte(Bytes v) {
-  __m128i x = (__m128i)v.v;
+ZOV_INLINE VecF FloatsOfByte(const WideBytes& v) {
+#if defined(__AVX2__)
+  __m256i x = (__m256i)v.part[0].v;
+  if constexpr (kByte > 0) x = _mm256_srli_epi32(x, 8 * kByte);
+  if constexpr (kByte < 3) x = _mm256_and_si256(x, _mm256_set1_epi32(0xFF));
+  return {_mm256_cvtepi32_ps(x)};
+#elif defined(__AVX__)
+  __m128i low = (__m128i)v.part[0].v;
+  __m128i high = (__m128i)v.part[1].v;
+  if constexpr (kByte > 0) {
+    low = _mm_srli_epi32(low, 8 * kByte);
+    high = _mm_srli_epi32(high, 8 * kByte);
+  }
+  __m256i x = _mm256_set_m128i(high, low);
+  if constexpr (kByte < 3) {
+    const __m256i byte = _mm256_set1_epi32(0xFF);
+    x = _mm256_castps_si256(_mm256_and_ps(_mm256_castsi256_ps(x), _mm256_castsi256_ps(byte)));
+  }
+  return {_mm256_cvtepi32_ps(x)};
+#else
+  __m128i x = (__m128i)v.part[0].v;
   if constexpr (kByte > 0) x = _mm_srli_epi32(x, 8 * kByte);
   if constexpr (kByte < 3) x = _mm_and_si128(x, _mm_set1_epi32(0xFF));
   return ToFloats(x);
-}
 #endif
+}
 
 // One channel. The taps of a column are the bytes of a 32-bit lane: four columns out of a window of
 // 16 bytes by a byte shuffle, or each column loaded by itself.
@@ -39,7 +60,8 @@ class KernelColumns8u1 {
   static constexpr bool kHasShuffle = kLevel >= Level::ssse3;
   static constexpr int kLaneColumns = 4;
   static constexpr int kWindow = 16;
-  static constexpr int kVector = ByteFloats::kLanes;
+  static constexpr int kVector = VecF::kLanes;
+  static constexpr int kPartColumns = Bytes::kBytes / 4;
   static constexpr int kBlock = 8;  // columns whose taps are found at a time
   // The last two of six taps come out of a window two bytes on.
   static constexpr int kSecond = kTaps - 4;
@@ -114,7 +136,16 @@ class KernelColumns8u1 {
 
   // Four taps of each column of a vector, from the tap kFrom on.
   template <bool kWindows, int kFrom>
-  ZOV_INLINE Bytes LoadTaps(const Zov8u* row, std::int64_t i) const {
+  ZOV_INLINE WideBytes LoadTaps(const Zov8u* row, std::int64_t i) const {
+    WideBytes taps;
+    for (int k = 0; k < WideBytes::kParts; ++k) {
+      taps.part[k] = LoadPart<kWindows, kFrom>(row, i + k * kPartColumns);
+    }
+    return taps;
+  }
+
+  template <bool kWindows, int kFrom>
+  ZOV_INLINE Bytes LoadPart(const Zov8u* row, std::int64_t i) const {
 #if defined(__SSSE3__)
     if constexpr (kWindows) {
       return ShuffleBytes(LoadLanes(row + kFrom, bases_ + i / kLaneColumns),
@@ -135,17 +166,19 @@ class KernelColumns8u1 {
 
   template <bool kWindows>
   ZOV_INLINE void ResampleRow(const Zov8u* row, float* line) const {
-    for (std::int64_t i = 0; i < columns_; i += kVector) {
-      const float* const weights = weights_ + i * kTaps;
+    // A copy that no store can alias.
+    const KernelColumns8u1 my = *this;
+    for (std::int64_t i = 0; i < my.columns_; i += kVector) {
+      const float* const weights = my.weights_ + i * kTaps;
       const auto weight = [weights](int tap) __attribute__((always_inline)) {
-        return ByteFloats::LoadAligned(weights + tap * kVector);
+        return VecF::LoadAligned(weights + tap * kVector);
       };
-      const Bytes first = LoadTaps<kWindows, 0>(row, i);
-      ByteFloats sum = FloatsOfByte<0>(first) * weight(0) + FloatsOfByte<1>(first) * weight(1);
+      const WideBytes first = my.LoadTaps<kWindows, 0>(row, i);
+      VecF sum = FloatsOfByte<0>(first) * weight(0) + FloatsOfByte<1>(first) * weight(1);
       sum = sum + FloatsOfByte<2>(first) * weight(2);
       sum = sum + FloatsOfByte<3>(first) * weight(3);
       if constexpr (kTaps == 6) {
-        const Bytes second = LoadTaps<kWindows, kSecond>(row, i);
+        const WideBytes second = my.LoadTaps<kWindows, kSecond>(row, i);
         sum = sum + FloatsOfByte<2>(second) * weight(4);
         sum = sum + FloatsOfByte<3>(second) * weight(5);
       }
@@ -183,15 +216,17 @@ class KernelColumns8u4 {
 
   template <bool>
   void Resample(const Zov8u* row, float* line) const {
-    for (std::int64_t i = 0; i < columns_; i += kVectorColumns) {
-      const Bytes first = LoadLanes(row, index_ + i);
-      const ByteFloats weights = LoadWeights(i, 0);
+    // A copy that no store can alias.
+    const KernelColumns8u4 my = *this;
+    for (std::int64_t i = 0; i < my.columns_; i += kVectorColumns) {
+      const Bytes first = LoadLanes(row, my.index_ + i);
+      const ByteFloats weights = my.LoadWeights(i, 0);
       ByteFloats sum = Term<0>(first, weights) + Term<1>(first, weights);
       sum = sum + Term<2>(first, weights);
       sum = sum + Term<3>(first, weights);
       if constexpr (kTaps == 6) {
-        const Bytes second = LoadLanes(row + kSecond * kPixel, index_ + i);
-        const ByteFloats rest = LoadWeights(i, kSecond);
+        const Bytes second = LoadLanes(row + kSecond * kPixel, my.index_ + i);
+        const ByteFloats rest = my.LoadWeights(i, kSecond);
         sum = sum + Term<2>(second, rest);
         sum = sum + Term<3>(second, rest);
       }

@@ -161,10 +161,12 @@ class KernelColumnsReal {
       }
     }
 #endif
-    for (std::int64_t i = 0; i < columns_; i += V::kLanes) {
+    // A copy that no store can alias.
+    const KernelColumnsReal my = *this;
+    for (std::int64_t i = 0; i < my.columns_; i += V::kLanes) {
       V taps[kTaps];
-      LoadKernelTaps<kTaps>(row, index_ + i, taps);
-      Sum<kFused>(taps, i).StoreAligned(line + i);
+      LoadKernelTaps<kTaps>(row, my.index_ + i, taps);
+      my.template Sum<kFused>(taps, i).StoreAligned(line + i);
     }
     ResampleBands(row, line);
   }
@@ -234,16 +236,17 @@ class KernelColumnsReal {
 
   template <bool kFused>
   void ResampleWindows(const Zov8u* row, T* line) const {
-    for (std::int64_t i = 0; i < columns_; i += 8) {
+    const KernelColumnsReal my = *this;
+    for (std::int64_t i = 0; i < my.columns_; i += 8) {
       const __m256i lanes =
-          _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(controls_ + i)));
+          _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(my.controls_ + i)));
       const float* const window =
-          reinterpret_cast<const float*>(row + std::int64_t{bases_[i / 8]} * 4);
+          reinterpret_cast<const float*>(row + std::int64_t{my.bases_[i / 8]} * 4);
       V taps[kTaps];
       for (int k = 0; k < kTaps; ++k) {
         taps[k].v = _mm256_permutevar8x32_ps(_mm256_loadu_ps(window + k), lanes);
       }
-      Sum<kFused>(taps, i).StoreAligned(line + i);
+      my.template Sum<kFused>(taps, i).StoreAligned(line + i);
     }
   }
 #else

@@ -39,9 +39,13 @@ class NearestIndices {
 #endif
     if constexpr (kPixel > 1) {
       constexpr int kLanePixels = 16 / kPixel;
-      for (; i + kLanePixels <= count_; i += kLanePixels) {
-        Prefetch(nextSrc + std::int64_t{index_[i]} * kPixel);
-        WriteRows<kRows>(writers, Gather(src, index_ + i), i * kPixel);
+      // Copies that no store can alias.
+      const RowWriter rows[2] = {writers[0], writers[kRows - 1]};
+      const std::int32_t* const index = index_;
+      const std::int64_t count = count_;
+      for (; i + kLanePixels <= count; i += kLanePixels) {
+        Prefetch(nextSrc + std::int64_t{index[i]} * kPixel);
+        WriteRows<kRows>(rows, Gather(src, index + i), i * kPixel);
       }
     }
     const std::int64_t rest = i;
