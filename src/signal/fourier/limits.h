@@ -23,6 +23,9 @@ struct FftLimits {
   int lastWhole;     // c up to it: one kernel does the whole length
   int inPlaceFrom;   // c from it: reversal, then the kernel in place, in place of the one-pass form
   bool wholeWork;    // the whole-length route takes work of one complex array
+  int lastOnStack;   // orders up to it: inverse by one pass from the stack, where it takes no work
+  int askFrom;       // c from which the first pass asks for the lines that it writes
+  int pairFrom;      // c from which the last two stages go through memory once
   int twoLevelFrom;  // order from which the split tables have two levels
   int tiledFrom;     // c from which the reversal goes by tiles
   int logTile;       // log2 of the side of a tile
@@ -34,38 +37,38 @@ inline constexpr int kNever = 99;
 
 inline constexpr FftLimits kFftLimits32f[kLevelCount] = {
     // clang-format off
-    {28, 5, 5, 6, 10,      0, false, 19, kNever, 0, 0,
+    {28, 5, 5, 6, 10,      0, false,  0, kNever, kNever, 19, kNever, 0, 0,
      {{12, 0, 0}, {13, 5, 0}, {14, 6, 0}, {15, 7, 0}, {18, 8, 0}, {22, 10, 0}, {24, 8, 0}, {30, 10, 0}}},
-    {29, 4, 4, 6, 16,     16, true, 19, 20, 6, 4,
+    {29, 4, 4, 6, 16,     16, true,  0,     16, kNever, 19, 20, 6, 4,
      {{17, 4, 9}, {20, 4, 10}, {21, 6, 13}, {30, 8, 15}}},
-    {29, 4, 4, 6, 17,     17, true, 19, 19, 6, 4,
+    {29, 4, 4, 6, 17,     17, true,  0,     16, kNever, 19, 19, 6, 4,
      {{19, 4, 10}, {30, 8, 14}}},
-    {29, 4, 4, 6, 15,     15, true, 18, 17, 5, 4,
+    {29, 4, 4, 6, 15,     15, true,  0,     16, kNever, 18, 17, 5, 4,
      {{18, 4, 10}, {20, 6, 14}, {30, 8, 14}}},
-    {29, 4, 4, 6, 17, kNever, true, 21, 19, 6, 4,
+    {29, 4, 4, 6, 17, kNever, true,  0,     16, kNever, 21, 19, 6, 4,
      {{19, 4, 10}, {30, 8, 14}}},
-    {29, 4, 4, 7, 18, kNever, true, 19, 19, 6, 8,
+    {29, 4, 4, 7, 18, kNever, true,  0, kNever, kNever, 19, 19, 6, 8,
      {{22, 4, 10}, {30, 8, 14}}},
-    {29, 4, 4, 7, 18, kNever, true, 19, 19, 6, 8,
+    {29, 4, 4, 7, 18, kNever, true,  0, kNever, kNever, 19, 19, 6, 8,
      {{22, 4, 10}, {30, 8, 14}}},
     // clang-format on
 };
 
 inline constexpr FftLimits kFftLimits64f[kLevelCount] = {
     // clang-format off
-    {27, 5, 6, 6, 10,      0, false, 18, kNever, 0, 0,
+    {27, 5, 6, 6, 10,      0, false,  0, kNever, kNever, 18, kNever, 0, 0,
      {{11, 0, 0}, {12, 4, 0}, {13, 5, 0}, {14, 6, 0}, {16, 7, 0}, {17, 8, 0}, {20, 9, 0}, {22, 8, 0}, {30, 9, 0}}},
-    {28, 5, 6, 6, 14, kNever, true, 18, 19, 6, 2,
+    {28, 5, 6, 6, 14, kNever, true,  0,      0, kNever, 18, 19, 6, 2,
      {{15, 4, 8}, {18, 4, 10}, {20, 6, 13}, {30, 8, 14}}},
-    {28, 5, 6, 6, 16, kNever, true, 17, 18, 5, 2,
+    {28, 5, 6, 6, 16, kNever, true,  0,      0, kNever, 17, 18, 5, 2,
      {{19, 6, 10}, {20, 7, 11}, {30, 8, 13}}},
-    {28, 5, 6, 6, 12,      0, false, 18, 14, 5, 2,
+    {28, 5, 6, 6, 12,      0, false, 11,      0, kNever, 18, 14, 5, 2,
      {{13, 0, 0}, {14, 4, 10}, {18, 6, 10}, {19, 4, 10}, {21, 6, 10}, {30, 6, 12}}},
-    {28, 5, 6, 6, 16, kNever, true, 19, 18, 5, 2,
+    {28, 5, 6, 6, 16, kNever, true,  0,      0, kNever, 19, 18, 5, 2,
      {{18, 6, 10}, {30, 8, 13}}},
-    {28, 4, 5, 7, 17, kNever, true, 17, 18, 5, 4,
+    {28, 4, 5, 7, 17, kNever, true,  0,      0,     16, 17, 18, 5, 4,
      {{21, 4, 9}, {30, 8, 13}}},
-    {28, 4, 5, 7, 17, kNever, true, 17, 18, 5, 4,
+    {28, 4, 5, 7, 17, kNever, true,  0,      0,     16, 17, 18, 5, 4,
      {{21, 4, 9}, {30, 8, 13}}},
     // clang-format on
 };
@@ -87,17 +90,21 @@ ZOV_INLINE constexpr FourStepSplit SplitOf(const FftLimits& limits, int c) {
 template <class T>
 inline constexpr int kLogFine = sizeof(T) == 4 ? 10 : 9;
 
-// Radices (log2) of the stages that follow the first pass over groups of 16.
+// Radices (log2) of the stages that follow the first pass over groups of 16. Radix 8 takes fewer
+// operations and goes through long arrays less often; below AVX, where the operations decide, the
+// first two or three stages of long transforms have it too, as many as leave the rest to radix 4.
 struct StagePlan {
   std::int8_t count;
   std::int8_t logRadix[15];
 };
 
-constexpr StagePlan PlanStages(int c) {
+constexpr StagePlan PlanStages(int c, bool avx) {
   StagePlan plan{};
+  const int eights = c < 12 || avx ? 0 : c % 2 == 0 ? 2 : 3;
   for (int size = 4; size < c;) {
     const int rest = c - size;
-    const bool radix8 = rest == 3 || (rest > 4 && c < 12) || (size == 4 && c % 2 != 0);
+    const bool radix8 =
+        plan.count < eights || rest == 3 || (rest > 4 && c < 12) || (size == 4 && c % 2 != 0);
     plan.logRadix[plan.count++] = radix8 ? 3 : 2;
     size += radix8 ? 3 : 2;
   }
@@ -107,12 +114,12 @@ constexpr StagePlan PlanStages(int c) {
 struct StagePlans {
   StagePlan of[31];
 };
-constexpr StagePlans PlanAllStages() {
+constexpr StagePlans PlanAllStages(bool avx) {
   StagePlans plans{};
-  for (int c = 6; c < 31; ++c) plans.of[c] = PlanStages(c);
+  for (int c = 6; c < 31; ++c) plans.of[c] = PlanStages(c, avx);
   return plans;
 }
-inline constexpr StagePlans kStagePlans = PlanAllStages();
+inline constexpr StagePlans kStagePlans[] = {PlanAllStages(false), PlanAllStages(true)};
 
 // Radix (log2) of the column stage of a four-step split of 2^rows rows after `done` of them.
 ZOV_INLINE constexpr int ColumnRadix(int rows, int done) {

@@ -97,9 +97,7 @@ ZovStatus Forward(const T* src, T* dst, const FftSpec<T>* spec, Zov8u* pWork) {
 // The level without work on the whole-length route still inverts short arrays by one pass, from a
 // buffer on the stack: reversal and the kernel in place take a tenth longer.
 template <class T>
-inline constexpr int kLastOnStack = FftLimitsOf<T>(kLevel).inPlaceFrom == 0 && kLevel != Level::sse2
-                                        ? 11
-                                        : 0;
+inline constexpr int kLastOnStack = FftLimitsOf<T>(kLevel).lastOnStack;
 
 template <class T>
 ZOV_NOINLINE void InverseOnStack(const T* src, T last, T* dst, const FftSpec<T>& spec) {

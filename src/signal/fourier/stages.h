@@ -142,10 +142,13 @@ ZOV_INLINE void FirstPassReversed(const T* src, T* dst, int c, const Zov32s* rev
   }
   // Steps of whole pages put all 16 rows into one set of the first-level cache, which then holds no
   // line until its second vector is due: so a line is used whole, and the values wait aside. The
-  // stores go far apart too; their lines are asked for before the transform.
+  // stores go far apart too; their lines are asked for before the transform, but for singles where
+  // that costs more than it saves: in wide vectors, and where the second-level cache has them.
   constexpr int kVectors = 64 / Lanes<T>::kBytes;
+  constexpr int kAskFrom = FftLimitsOf<T>(kLevel).askFrom;
+  const bool ask = kAskFrom != kNever && c >= kAskFrom;
   for (Index r = 0; r < sixteenth; r += kVectors * C::kLanes) {
-    if constexpr (sizeof(T) == 8 && kLevel >= Level::avx) {
+    if (ask) {
       for (int lane = 0; lane < kVectors * C::kLanes; ++lane) {
         const T* const place = dst + 4 * static_cast<Index>(reversal[r + lane]);
         for (int i = 0; i < 32; i += 8) __builtin_prefetch(place + i);
@@ -258,19 +261,16 @@ ZOV_NOINLINE void TwoStages(T* array, Index part, const T* twiddles, T scale) {
     }
   }
 }
-// Complex order from which that pays, as an array is beyond the second-level cache.
-template <class T>
-inline constexpr int kTwoStagesFrom = sizeof(T) == 8 && kLevel >= Level::avx ? 16 : kNever;
-
 // All stages behind the first pass on 2^c values of `array`; the last writes to `out`.
 template <class T, Form kForm, bool kScaled>
 ZOV_INLINE void AllStages(T* array, T* out, int c, const T* twiddles, T scale) {
-  const StagePlan& plan = kStagePlans.of[c];
+  const StagePlan& plan = kStagePlans[kLevel >= Level::avx].of[c];
   const int count = plan.count - 1;
   const int last = plan.logRadix[count];
   const Index part = Index{1} << (c - last);
-  if constexpr (kTwoStagesFrom<T> != kNever) {
-    if (c >= kTwoStagesFrom<T> && array == out) {  // their last two stages are of radix 4
+  constexpr int kPairFrom = FftLimitsOf<T>(kLevel).pairFrom;
+  if constexpr (kPairFrom != kNever) {
+    if (c >= kPairFrom && array == out) {  // their last two stages are of radix 4
       for (Index i = 0; i < 16; ++i) {
         RunStagesByPart(array + i * part / 2, c - 4, plan, count - 1, twiddles);
       }

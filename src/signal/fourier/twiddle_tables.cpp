@@ -58,7 +58,8 @@ void BuildBlockTwiddles(T* table, int c, const UnitRoots<T>& roots) {
 
 template <class T>
 void BuildStageTwiddles(T* table, int c, int lanes, const UnitRoots<T>& roots) {
-  const common::StagePlan& plan = common::kStagePlans.of[c];
+  const bool avx = lanes * static_cast<int>(sizeof(T)) == 32;
+  const common::StagePlan& plan = common::kStagePlans[avx].of[c];
   int size = 4;
   for (int stage = 0; stage < plan.count; ++stage) {
     const int logRadix = plan.logRadix[stage];
