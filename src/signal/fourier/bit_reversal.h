@@ -100,19 +100,54 @@ struct LineSquare {
   }
 };
 
+// Complex order from which lines that lie far apart share a set of the first-level cache.
+template <class T>
+inline constexpr int kLinesFrom = sizeof(T) == 4 ? 12 : 11;
+// Complex order from which lines are asked for ahead: to another array, and in place, where one
+// array less has to stay in the second-level cache and the loads bring what the stores need.
+template <class T>
+inline constexpr int kLinesAheadFrom = sizeof(T) == 4 ? 16 : 15;
+template <class T>
+inline constexpr int kLinesAheadInPlaceFrom = kLinesAheadFrom<T> + 3;
+
+// The number below `count`, a power of two, that follows in reversed order.
+ZOV_INLINE std::ptrdiff_t NextReversed(std::ptrdiff_t reversed, std::ptrdiff_t count) {
+  std::ptrdiff_t bit = count / 2;
+  for (; (reversed & bit) != 0; bit >>= 1) reversed ^= bit;
+  return reversed | bit;
+}
+
 // Long arrays: steps of a large power of two put all lines of a square into one set of the cache,
-// so each is read and written whole, once. It needs no table.
+// so each is read and written whole, once. It needs no table. Stores to lines that lie far apart
+// wait for each of them in turn, up to four times as long as the rest takes, so these are asked for
+// a few squares ahead.
 template <class T>
 ZOV_NOINLINE void ReverseByLines(const T* src, T* dst, int c) {
   using Square = LineSquare<T>;
+  constexpr std::ptrdiff_t kAhead = 4;
   const std::ptrdiff_t stride = std::ptrdiff_t{1} << (c - Square::kLog);
   const std::ptrdiff_t count = stride >> Square::kLog;
+  const bool inPlace = src == dst;
+  const bool ask = c >= (inPlace ? kLinesAheadInPlaceFrom<T> : kLinesAheadFrom<T>);
   std::ptrdiff_t j = 0;
+  std::ptrdiff_t jAhead = 0;
+  for (std::ptrdiff_t i = 0; i < kAhead; ++i) jAhead = NextReversed(jAhead, count);
   Square own, partner;
   for (std::ptrdiff_t i = 0; i < count; ++i) {
+    if (ask) {
+      if (!inPlace || i + kAhead <= jAhead) {
+        const T* const from = src + (i + kAhead) * 2 * Square::kSide;
+        const T* const to = dst + jAhead * 2 * Square::kSide;
+        for (int row = 0; row < Square::kSide; ++row) {
+          __builtin_prefetch(from + 2 * row * stride);
+          __builtin_prefetch(to + 2 * row * stride);
+        }
+      }
+      jAhead = NextReversed(jAhead, count);
+    }
     const std::ptrdiff_t p = i * 2 * Square::kSide;
     const std::ptrdiff_t q = j * 2 * Square::kSide;
-    if (src != dst || i == j) {
+    if (!inPlace || i == j) {
       own.Load(src + p, stride);
       own.Store(dst + q, stride);
     } else if (i < j) {
@@ -121,15 +156,9 @@ ZOV_NOINLINE void ReverseByLines(const T* src, T* dst, int c) {
       own.Store(dst + q, stride);
       partner.Store(dst + p, stride);
     }
-    // The next number in reversed order: leading ones are cleared, the first zero is set.
-    std::ptrdiff_t bit = count / 2;
-    for (; (j & bit) != 0; bit >>= 1) j ^= bit;
-    j |= bit;
+    j = NextReversed(j, count);
   }
 }
-// Complex order from which lines that lie far apart share a set of the first-level cache.
-template <class T>
-inline constexpr int kLinesFrom = sizeof(T) == 4 ? 12 : 11;
 
 // By a swap list of order c: pairs up to a zero, then lone indices, of which that zero is the
 // first, up to the next zero. Entries are twice the index.
@@ -193,11 +222,11 @@ struct TiledReversal {
     const std::ptrdiff_t squares = side >> Square::kLog;
     const std::ptrdiff_t lineStride = squares * rowStride;
     std::ptrdiff_t column = 0;
-    for (std::ptrdiff_t i = 0; i < squares; ++i, column = Next(column, squares)) {
+    for (std::ptrdiff_t i = 0; i < squares; ++i, column = NextReversed(column, squares)) {
       T* to = dst + 2 * (tile + i * rowStride);
       const T* ahead = dst + 2 * (next + i * rowStride);
       std::ptrdiff_t row = 0;
-      for (std::ptrdiff_t j = 0; j < squares; ++j, row = Next(row, squares)) {
+      for (std::ptrdiff_t j = 0; j < squares; ++j, row = NextReversed(row, squares)) {
         for (int line = 0; line < Square::kSide; ++line) Ask(ahead + 2 * line * lineStride);
         Square::Place(from + 2 * (row * side + (column << Square::kLog)), squares * side, to,
                       lineStride);
@@ -205,12 +234,6 @@ struct TiledReversal {
         ahead += 2 * Square::kSide;
       }
     }
-  }
-  // The next number below `count` in reversed order.
-  static ZOV_INLINE std::ptrdiff_t Next(std::ptrdiff_t reversed, std::ptrdiff_t count) {
-    std::ptrdiff_t bit = count / 2;
-    for (; (reversed & bit) != 0; bit >>= 1) reversed ^= bit;
-    return reversed | bit;
   }
 
   void Run() const {
