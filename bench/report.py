@@ -21,8 +21,8 @@ FRAME_SIZES = r".* to (1280x720|3840x2160|480x270)$"
 AIMS = [
     Aim("memory", ".*", 1.0, 0.85, "size", peers="w?mem(cpy|set)"),
     Aim("arithmetic", "zovs(?!Phase)", 1.1, 0.95, "operation"),
-    Aim("search", "zovsFind", 2.0),
-    Aim("search", "zovs(Threshold|ReplaceC)", 1.0),
+    Aim("search", "zovsFind", 2.0, 1.0, "operation", peers="plain loop"),
+    Aim("search", "zovs(Threshold|ReplaceC)", 1.0, 1.0, "operation", peers="plain loop"),
     Aim("resize", "8u C1 (nearest|linear)", 3.0, 1.5, "size", FRAME_SIZES),
     Aim("resize", "8u C4 (nearest|linear)", 1.5, 1.0, "size", FRAME_SIZES),
     Aim("resize", "32f C1 (nearest|linear)", 1.5, 1.0, "size", FRAME_SIZES),
@@ -160,11 +160,11 @@ def print_family(family, cases, level, brief):
           f"({worst.operation}, {worst.size}, against {worst.best('peer').name})")
     if level == HIGHEST_LEVEL:
         for aim in AIMS:
-            print_aim(aim, family, cases, means)
+            print_aim(aim, family, cases)
     print()
 
 
-def print_aim(aim, family, cases, means):
+def print_aim(aim, family, cases):
     """Whether an aim of this family and its floor hold."""
     matching = [case for case in cases
                 if re.match(aim.operations, case.operation) and re.match(aim.sizes, case.size)]
@@ -181,7 +181,8 @@ def print_aim(aim, family, cases, means):
             each = {f"{case.operation}, {case.size}": case.ratio_to(aim.peers)
                     for case in matching}
         else:
-            each = {case.operation: means[case.operation] for case in matching}
+            each = {operation: geometric_mean([case.ratio_to(aim.peers) for case in members])
+                    for operation, members in by_operation(matching).items()}
         lowest = min(each, key=each.get)
         text += (f"; no {aim.floor_of} below {aim.floor:.2f}: "
                  f"{verdict(each[lowest] >= aim.floor)} with {each[lowest]:.2f} ({lowest})")

@@ -112,7 +112,8 @@ struct Search {
       for (; end - position >= 4 * kStep; position += 4 * kStep) {
         const Hits a = HitsAt(position), b = HitsAt(position + kStep);
         const Hits c = HitsAt(position + 2 * kStep), d = HitsAt(position + 3 * kStep);
-        if (PositionBits((a | b) | (c | d)) == 0) continue;
+        if (PositionBits((a | b) | (c | d)) == 0) [[likely]]
+          continue;
         int found = Resolve(position, a);
         if (found < 0) found = Resolve(position + kStep, b);
         if (found < 0) found = Resolve(position + 2 * kStep, c);
