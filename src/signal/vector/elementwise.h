@@ -228,18 +228,21 @@ struct Elementwise {
     Steps<1, kAligned>(op, end, dst, src...);
   }
 
-  // The same for arrays that come from memory: a pass for each line of the destination asks for the
-  // lines of all arrays that lie ahead, further than the processor does by itself. The destination
-  // is aligned if it can be.
+  // The same for arrays that come from memory: a pass for a line of the destination, or for a
+  // block, asks for the lines of all arrays that lie ahead, further than the processor does by
+  // itself. The destination is aligned if it can be.
   static ZOV_INLINE void Far(Op& op, Dst* end, Dst*& dst, const Src*&... src) {
-    constexpr int kPass = DstLanes::kBytes < 64 ? 64 / DstLanes::kBytes : 1;
+    constexpr int kLine = DstLanes::kBytes < 64 ? 64 / DstLanes::kBytes : 1;
+    constexpr bool kByBlocks = kHasBlock && K >= kLine;
+    constexpr int kPass = kByBlocks ? K : kLine;
+    constexpr int kStep = kByBlocks ? K : 1;
     while (dst <= end - kPass * N) {
       Ahead<kPass>(dst);
       (Ahead<kPass>(src), ...);
-      Unroll<kPass>([&](int) __attribute__((always_inline)) {
-        Step<1, false>(op, dst, src...);
-        dst += N;
-        ((src += N), ...);
+      Unroll<kPass / kStep>([&](int) __attribute__((always_inline)) {
+        Step<kStep, false>(op, dst, src...);
+        dst += kStep * N;
+        ((src += kStep * N), ...);
       });
       KeepInRegister(dst);
       (KeepInRegister(src), ...);
