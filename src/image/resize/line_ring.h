@@ -44,6 +44,7 @@ struct LinePair {
   const Zov8u* lowerRow;
   Line* upper;
   Line* lower;
+  std::ptrdiff_t ahead;  // bytes from source rows that are given to those read after them
 };
 
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

@@ -120,7 +120,8 @@ class LinearResize {
         second = next;
         if (row + 2 < end) next = SampleRow(row + 2);
       }
-      if (x_.interior > 0) InnerRow(&ring, row, first, second, paired);
+      const std::ptrdiff_t ahead = (next.srcY - first.srcY) * src_.step;
+      if (x_.interior > 0) InnerRow(&ring, row, first, second, paired, ahead);
       const Zov8u* const upper = src_.Row(first.srcY);
       const Zov8u* const lower = src_.Row(first.srcY + 1);
       BandColumns(upper, lower, first.weight, row);
@@ -130,7 +131,7 @@ class LinearResize {
   }
 
   void InnerRow(LineRing<2, Line>* ring, int row, const RowSample& first, const RowSample& second,
-                bool paired) const {
+                bool paired, std::ptrdiff_t ahead) const {
     const auto upper = ring->Get(first.srcY);
     const Zov8u* const upperRow = upper.isNew ? src_.Row(first.srcY) : nullptr;
     if (!paired && Kernel::IsUpperOnly(first.weight)) {
@@ -140,7 +141,7 @@ class LinearResize {
     }
     const auto lower = ring->Get(first.srcY + 1);
     const Zov8u* const lowerRow = lower.isNew ? src_.Row(first.srcY + 1) : nullptr;
-    const LinePair<Line> lines = {upperRow, lowerRow, upper.line, lower.line};
+    const LinePair<Line> lines = {upperRow, lowerRow, upper.line, lower.line, ahead};
     if (paired) {
       const Weight weights[2] = {first.weight, second.weight};
       const RowWriter writers[2] = {Writer(row, 2), Writer(row + 1, 2)};

@@ -139,8 +139,9 @@ ZOV_NOINLINE void ReverseByLines(const T* src, T* dst, int c) {
         const T* const from = src + (i + kAhead) * 2 * Square::kSide;
         const T* const to = dst + jAhead * 2 * Square::kSide;
         for (int row = 0; row < Square::kSide; ++row) {
-          __builtin_prefetch(from + 2 * row * stride);
-          __builtin_prefetch(to + 2 * row * stride);
+          // For the second level, as they share one set of the first.
+          __builtin_prefetch(from + 2 * row * stride, 0, 2);
+          __builtin_prefetch(to + 2 * row * stride, 0, 2);
         }
       }
       jAhead = NextReversed(jAhead, count);
