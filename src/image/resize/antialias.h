@@ -84,13 +84,14 @@ class AntialiasResize {
         const Zov8u* sources[Columns::kRows];
         Real* targets[Columns::kRows];
         const int rows = endRow - done < Columns::kRows ? endRow - done : Columns::kRows;
+        // Past the last row it is resampled again.
         for (int r = 0; r < Columns::kRows; ++r) {
           const int sourceRow = done + (r < rows ? r : rows - 1);
           sources[r] = src_.Row(sourceRow);
           targets[r] = lineOf(sourceRow);
         }
         done += rows;
-        columns.Resample(sources, rows, Columns::kRows * src_.step, targets);
+        columns.Resample(sources, Columns::kRows * src_.step, targets);
       }
       yKernel_.template GetWeights<Real>(row, row - begin, kKeptWeights, yKernel_.MostTaps(),
                                          table);

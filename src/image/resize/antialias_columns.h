@@ -12,6 +12,13 @@ namespace zov::ZOV_LEVEL_NAMESPACE {
 // Four pixels of 8 or 32 bits as 32-bit lanes, and such lanes as doubles.
 template <class T>
 struct FourPixels;
+// Four of each of four rows as doubles, turned: the columns lie `stride` apart.
+template <class T>
+ZOV_INLINE void TurnFour(__m128 a, __m128 b, __m128 c, __m128 d, int stride, double* to) {
+  __m128 four[4];
+  TransposeFour(a, b, c, d, four);
+  for (int k = 0; k < 4; ++k) FourPixels<T>::StoreDoubles(four[k], to + k * stride);
+}
 template <>
 struct FourPixels<Zov8u> {
   static ZOV_INLINE __m128 Load(const Zov8u* p) {
@@ -32,6 +39,9 @@ struct FourPixels<Zov8u> {
     _mm_store_pd(to + 2, _mm_cvtepi32_pd(_mm_unpackhi_epi64(integers, integers)));
 #endif
   }
+  static ZOV_INLINE void Turn(__m128 a, __m128 b, __m128 c, __m128 d, int stride, double* to) {
+    TurnFour<Zov8u>(a, b, c, d, stride, to);
+  }
 };
 template <>
 struct FourPixels<Zov32f> {
@@ -44,6 +54,25 @@ struct FourPixels<Zov32f> {
 #else
     _mm_store_pd(to, _mm_cvtps_pd(lanes));
     _mm_store_pd(to + 2, _mm_cvtps_pd(_mm_movehl_ps(lanes, lanes)));
+#endif
+  }
+  // Doubles are turned, as they come converted from memory.
+  static ZOV_INLINE void Turn(__m128 a, __m128 b, __m128 c, __m128 d, int stride, double* to) {
+#if defined(__AVX__)
+    const __m256d a4 = _mm256_cvtps_pd(a);
+    const __m256d b4 = _mm256_cvtps_pd(b);
+    const __m256d c4 = _mm256_cvtps_pd(c);
+    const __m256d d4 = _mm256_cvtps_pd(d);
+    const __m256d ab = _mm256_unpacklo_pd(a4, b4);
+    const __m256d cd = _mm256_unpacklo_pd(c4, d4);
+    const __m256d abOdd = _mm256_unpackhi_pd(a4, b4);
+    const __m256d cdOdd = _mm256_unpackhi_pd(c4, d4);
+    _mm256_store_pd(to, _mm256_permute2f128_pd(ab, cd, 0x20));
+    _mm256_store_pd(to + stride, _mm256_permute2f128_pd(abOdd, cdOdd, 0x20));
+    _mm256_store_pd(to + 2 * stride, _mm256_permute2f128_pd(ab, cd, 0x31));
+    _mm256_store_pd(to + 3 * stride, _mm256_permute2f128_pd(abOdd, cdOdd, 0x31));
+#else
+    TurnFour<Zov32f>(a, b, c, d, stride, to);
 #endif
   }
 };
@@ -81,10 +110,9 @@ class AntialiasColumns {
     return true;
   }
 
-  // Resamples the first `rows` of kRows source rows into lines. Meanwhile what lies `ahead` of
-  // these rows comes nearer, as sums leave the memory idle.
-  void Resample(const Zov8u* const* sources, int rows, std::ptrdiff_t ahead,
-                Real* const* lines) const {
+  // Resamples kRows source rows into lines. Meanwhile what lies `ahead` of these rows comes nearer,
+  // as sums leave the memory idle.
+  void Resample(const Zov8u* const* sources, std::ptrdiff_t ahead, Real* const* lines) const {
     FillBlock(sources);
     const std::int64_t begin = first_ < 0 ? 0 : first_;
     const std::int64_t end = columns_ < extent_ - first_ ? first_ + columns_ : extent_;
@@ -106,19 +134,14 @@ class AntialiasColumns {
         fetch(i);
         alignas(32) float sums[4][kGroup];
         for (int k = 0; k < 4; ++k) SumColumn(i + k, sums[k]);
-        for (int r = 0; r < rows; r += 4) {
-          __m128 four[4];
-          TransposeFour(_mm_load_ps(sums[0] + r), _mm_load_ps(sums[1] + r),
-                        _mm_load_ps(sums[2] + r), _mm_load_ps(sums[3] + r), four);
-          for (int k = 0; k < 4 && r + k < rows; ++k) _mm_storeu_ps(lines[r + k] + i, four[k]);
-        }
+        StoreFour(sums, i, lines);
       }
     }
     for (; i < count_; ++i) {
       fetch(i);
       alignas(32) Real sums[kGroup];
       SumColumn(i, sums);
-      for (int r = 0; r < rows; ++r) {
+      for (int r = 0; r < kRows; ++r) {
         for (int c = 0; c < kChannels; ++c) {
           lines[r][std::int64_t{i} * kChannels + c] = sums[r * kChannels + c];
         }
@@ -132,17 +155,43 @@ class AntialiasColumns {
     std::int32_t count;
   };
 
+  static ZOV_INLINE void StoreFour(const float (*sums)[kGroup], int i, float* const* lines) {
+#if defined(__AVX__)
+    if constexpr (kGroup % 8 == 0) {
+      for (int r = 0; r < kRows; r += 8) {
+        __m256 four[4];
+        TransposeFour(_mm256_load_ps(sums[0] + r), _mm256_load_ps(sums[1] + r),
+                      _mm256_load_ps(sums[2] + r), _mm256_load_ps(sums[3] + r), four);
+        for (int k = 0; k < 4; ++k) {
+          _mm_storeu_ps(lines[r + k] + i, _mm256_castps256_ps128(four[k]));
+          _mm_storeu_ps(lines[r + k + 4] + i, _mm256_extractf128_ps(four[k], 1));
+        }
+      }
+      return;
+    }
+#endif
+    for (int r = 0; r < kRows; r += 4) {
+      __m128 four[4];
+      TransposeFour(_mm_load_ps(sums[0] + r), _mm_load_ps(sums[1] + r), _mm_load_ps(sums[2] + r),
+                    _mm_load_ps(sums[3] + r), four);
+      for (int k = 0; k < 4; ++k) _mm_storeu_ps(lines[r + k] + i, four[k]);
+    }
+  }
+
   void FillBlock(const Zov8u* const* rows) const {
     const int inImage = first_ < 0 ? -first_ : 0;
     const int end = columns_ < extent_ - first_ ? columns_ : extent_ - first_;
     int column = 0;
     for (; column < inImage && column < columns_; ++column) FillColumn(rows, column);
     if constexpr (sizeof(T) < 8) {
-      constexpr int kStep = kChannels == 1 ? 4 : 1;
-#if defined(__AVX__)
-      if constexpr (sizeof(T) == 4 && kChannels == 1) column = FillWide(rows, column, inImage, end);
-#endif
-      for (; column + kStep <= end; column += kStep) FillTile(rows, column);
+      constexpr int kTile = kChannels == 1 ? 4 : 1;
+      constexpr int kStrip = 4;  // tiles
+      while (column + kTile <= end) {
+        const int rest = (end - column) / kTile;
+        const int tiles = rest < kStrip ? rest : kStrip;
+        FillTiles(rows, column, tiles);
+        column += tiles * kTile;
+      }
     }
     for (; column < columns_; ++column) FillColumn(rows, column);
   }
@@ -159,63 +208,33 @@ class AntialiasColumns {
     }
   }
 
-#if defined(__AVX__)
-  // Columns from `column` on, whose neighbours at a distance of two lie in the image. Conversions
-  // from memory bring pixels to the half of a vector where they belong. Returns the next column.
-  int FillWide(const Zov8u* const* rows, int column, int begin, int end) const {
-    for (; column < begin + 2 && column < end; ++column) FillColumn(rows, column);
-    constexpr int kStrip = 16;
-    while (column + 6 <= end) {
-      const int rest = (end - 2 - column) / 4 * 4;
-      const int strip = rest < kStrip ? rest : kStrip;
+  // Tiles of four columns of one channel, or of one of four. Four rows at a time, as more addresses
+  // do not stay in registers.
+  void FillTiles(const Zov8u* const* rows, int column, int tiles) const {
+    const std::int64_t at = std::int64_t{first_ + column} * kPixelBytes;
+    if constexpr (kChannels == 1) {
       for (int r = 0; r < kRows; r += 4) {
-        const auto row = [ rows, r, column, this ](int k) __attribute__((always_inline)) {
-          return reinterpret_cast<const float*>(rows[r + k]) + first_ + column;
-        };
-        const float* const row0 = row(0);
-        const float* const row1 = row(1);
-        const float* const row2 = row(2);
-        const float* const row3 = row(3);
+        const Zov8u* const row0 = rows[r] + at;
+        const Zov8u* const row1 = rows[r + 1] + at;
+        const Zov8u* const row2 = rows[r + 2] + at;
+        const Zov8u* const row3 = rows[r + 3] + at;
         double* to = block_ + std::int64_t{column} * kGroup + r;
-        const auto four = [](const float* p) __attribute__((always_inline)) {
-          return _mm256_cvtps_pd(_mm_loadu_ps(p));
-        };
-        for (int i = 0; i < strip; i += 4) {
-          const __m256d later2 = four(row2 + i);
-          const __m256d later3 = four(row3 + i);
-          const auto two = [to](__m256d even, __m256d odd, int k) __attribute__((always_inline)) {
-            _mm256_store_pd(to + k * kGroup, _mm256_unpacklo_pd(even, odd));
-            _mm256_store_pd(to + (k + 1) * kGroup, _mm256_unpackhi_pd(even, odd));
+        for (int i = 0; i < tiles; ++i) {
+          const auto load = [i](const Zov8u* row) __attribute__((always_inline)) {
+            return FourPixels<T>::Load(row + i * 4 * kElement);
           };
-          two(_mm256_blend_pd(four(row0 + i), four(row2 + i - 2), 12),
-              _mm256_blend_pd(four(row1 + i), four(row3 + i - 2), 12), 0);
-          two(_mm256_blend_pd(four(row0 + i + 2), later2, 12),
-              _mm256_blend_pd(four(row1 + i + 2), later3, 12), 2);
+          FourPixels<T>::Turn(load(row0), load(row1), load(row2), load(row3), kGroup, to);
           to += 4 * kGroup;
         }
       }
-      column += strip;
-    }
-    return column;
-  }
-#endif
-
-  // Four columns of one channel, or one of four.
-  ZOV_INLINE void FillTile(const Zov8u* const* rows, int column) const {
-    const std::int64_t at = std::int64_t{first_ + column} * kChannels * kElement;
-    double* const to = block_ + std::int64_t{column} * kGroup;
-    if constexpr (kChannels == 1) {
-      for (int r = 0; r < kRows; r += 4) {
-        const auto load = [ rows, at, r ](int k) __attribute__((always_inline)) {
-          return FourPixels<T>::Load(rows[r + k] + at);
-        };
-        __m128 four[4];
-        TransposeFour(load(0), load(1), load(2), load(3), four);
-        for (int k = 0; k < 4; ++k) FourPixels<T>::StoreDoubles(four[k], to + k * kGroup + r);
-      }
     } else {
-      for (int r = 0; r < kRows; ++r) {
-        FourPixels<T>::StoreDoubles(FourPixels<T>::Load(rows[r] + at), to + r * 4);
+      double* to = block_ + std::int64_t{column} * kGroup;
+      for (int i = 0; i < tiles; ++i) {
+        for (int r = 0; r < kRows; ++r) {
+          const Zov8u* const row = rows[r] + at + i * kPixelBytes;
+          FourPixels<T>::StoreDoubles(FourPixels<T>::Load(row), to + r * 4);
+        }
+        to += kGroup;
       }
     }
   }
@@ -236,7 +255,13 @@ class AntialiasColumns {
     const double* const weights = weights_ + std::int64_t{column} * mostTaps_;
     V even[kVectors];
     V odd[kVectors];
-    for (int v = 0; v < kVectors; ++v) even[v] = odd[v] = V::Zero();
+    const auto multiply = [&](V * to, int tap) __attribute__((always_inline)) {
+      const V weight = V::Broadcast(weights[tap]);
+      for (int v = 0; v < kVectors; ++v) {
+        to[v] = V::LoadAligned(pixels + v * V::kLanes) * weight;
+      }
+      pixels += kGroup;
+    };
     const auto add = [&](V * to, int tap) __attribute__((always_inline)) {
       const V weight = V::Broadcast(weights[tap]);
       for (int v = 0; v < kVectors; ++v) {
@@ -244,23 +269,40 @@ class AntialiasColumns {
       }
       pixels += kGroup;
     };
-    int k = 0;
+    multiply(even, 0);
+    int k = 1;
     if constexpr (kChannels == 1) {
+      multiply(odd, k++);
       for (; k + 2 <= taps.count; k += 2) {
         add(even, k);
         add(odd, k + 1);
       }
     }
     for (; k < taps.count; ++k) add(even, k);
-    for (int v = 0; v < kVectors; ++v) Narrow(even[v] + odd[v], sums + v * V::kLanes);
+    if constexpr (kChannels == 1) {
+      for (int v = 0; v < kVectors; ++v) even[v] = even[v] + odd[v];
+    }
+    Narrow(even, sums);
   }
 
-  static ZOV_INLINE void Narrow(V v, double* to) { v.Store(to); }
-  static ZOV_INLINE void Narrow(V v, float* to) {
+  static ZOV_INLINE void Narrow(const V* v, double* to) {
+    for (int k = 0; k < kVectors; ++k) v[k].StoreAligned(to + k * V::kLanes);
+  }
+  // Stored as they are loaded again.
+  static ZOV_INLINE void Narrow(const V* v, float* to) {
 #if defined(__AVX__)
-    _mm_store_ps(to, _mm256_cvtpd_ps(v.v));
+    const auto four = [v](int k) __attribute__((always_inline)) { return _mm256_cvtpd_ps(v[k].v); };
+    if constexpr (kVectors == 1) {
+      _mm_store_ps(to, four(0));
+    } else {
+      for (int k = 0; k < kVectors; k += 2) {
+        _mm256_store_ps(to + k * 4, _mm256_set_m128(four(k + 1), four(k)));
+      }
+    }
 #else
-    _mm_storel_pi(reinterpret_cast<__m64*>(to), _mm_cvtpd_ps(v.v));
+    for (int k = 0; k < kVectors; ++k) {
+      _mm_storel_pi(reinterpret_cast<__m64*>(to + k * 2), _mm_cvtpd_ps(v[k].v));
+    }
 #endif
   }
 

@@ -58,8 +58,7 @@ class AntialiasInteger {
     return GetTaps(kernel) && PlaceWindows() && PackWeights() && FindEdges();
   }
 
-  void Resample(const Zov8u* const* sources, int /*rows*/, std::ptrdiff_t /*ahead*/,
-                float* const* lines) const {
+  void Resample(const Zov8u* const* sources, std::ptrdiff_t /*ahead*/, float* const* lines) const {
     switch (low_) {
       case Low::none:
         return ResampleBy<Low::none>(sources, lines);
