@@ -75,7 +75,10 @@ void ComplexTransform(const T* src, T* dst, const FftSpec<T>& spec, T* work) {
     return;
   }
   if constexpr (kLevel != Level::sse2) {
-    if (c <= kLimits.lastWhole && (c < kLimits.inPlaceFrom || src != dst)) {
+    // From another array the first pass is the reversal into the destination, so lengths without
+    // work and without a split go this way too.
+    const bool whole = c <= kLimits.lastWhole || SplitOf(kLimits, c).rows == 0;
+    if (whole && (c < kLimits.inPlaceFrom || src != dst)) {
       return OnePass<T, kInverse>(src, dst, c, spec, work, scaled);
     }
   }
