@@ -13,12 +13,12 @@ namespace zov::ZOV_LEVEL_NAMESPACE {
 namespace {
 
 // The stages run in the destination where they can, else in the work buffer; the last stage writes
-// the destination. Lengths without work come here only to another array.
+// the destination. Lengths without work come here only to another array, or with some of the stack.
 template <class T, bool kInverse>
 void OnePass(const T* src, T* dst, int c, const FftSpec<T>& spec, T* work, bool scaled) {
   constexpr Form kForm = kInverse ? Form::exchanged : Form::interleaved;
   const bool withoutWork = c >= FftLimitsOf<T>(kLevel).inPlaceFrom;
-  T* const target = withoutWork || (src != dst && IsAligned<32>(dst)) ? dst : work;
+  T* const target = src != dst && (withoutWork || IsAligned<32>(dst)) ? dst : work;
   FirstPassReversed<T, kInverse>(src, target, c, spec.bitRevTable);
   if (scaled) {
     AllStages<T, kForm, true>(target, dst, c, spec.cplxTwiddles, spec.scale);
@@ -78,7 +78,8 @@ void ComplexTransform(const T* src, T* dst, const FftSpec<T>& spec, T* work) {
     // From another array the first pass is the reversal into the destination, so lengths without
     // work and without a split go this way too.
     const bool whole = c <= kLimits.lastWhole || SplitOf(kLimits, c).rows == 0;
-    if (whole && (c < kLimits.inPlaceFrom || src != dst)) {
+    const bool onStack = spec.order <= kLimits.lastOnStack && work != nullptr;
+    if (whole && (c < kLimits.inPlaceFrom || src != dst || onStack)) {
       return OnePass<T, kInverse>(src, dst, c, spec, work, scaled);
     }
   }

@@ -74,6 +74,24 @@ ZOV_INLINE void FinishSpectrum(T* dst, Index length) {
   }
 }
 
+// The level without work on the whole-length route still transforms short arrays by one pass, with
+// a buffer on the stack: reversal and the kernel in place take a tenth longer.
+template <class T>
+inline constexpr int kLastOnStack = FftLimitsOf<T>(kLevel).lastOnStack;
+
+template <class T>
+ZOV_NOINLINE void ForwardOnStack(T* array, const FftSpec<T>& spec) {
+  T work[1 << kLastOnStack<T>];
+  ComplexTransform<T, false>(array, array, spec, work);
+}
+
+template <class T>
+ZOV_NOINLINE void InverseOnStack(const T* src, T last, T* dst, const FftSpec<T>& spec) {
+  T values[1 << kLastOnStack<T>];
+  InverseSplit(src, last, values, spec);
+  ComplexTransform<T, true>(values, dst, spec, nullptr);
+}
+
 template <Spectrum kSpectrum, class T>
 ZovStatus Forward(const T* src, T* dst, const FftSpec<T>* spec, Zov8u* pWork) {
   if (const ZovStatus status = CheckCall(src, static_cast<const T*>(dst), spec)) return status;
@@ -87,23 +105,15 @@ ZovStatus Forward(const T* src, T* dst, const FftSpec<T>* spec, Zov8u* pWork) {
   }
   WorkMemory<T> memory;
   if (const ZovStatus status = memory.Take(pWork, spec->workBytes)) return status;
-  ComplexTransform<T, false>(src, dst, *spec, memory.work);
+  const bool onStack = src == dst && spec->order <= kLastOnStack<T>;
+  if constexpr (kLastOnStack<T> != 0) {
+    if (onStack) ForwardOnStack(dst, *spec);
+  }
+  if (!onStack) ComplexTransform<T, false>(src, dst, *spec, memory.work);
   ForwardSplit(dst, *spec);
   FinishSpectrum<kSpectrum>(dst, length);
   memory.Release();
   return zovStsNoErr;
-}
-
-// The level without work on the whole-length route still inverts short arrays by one pass, from a
-// buffer on the stack: reversal and the kernel in place take a tenth longer.
-template <class T>
-inline constexpr int kLastOnStack = FftLimitsOf<T>(kLevel).lastOnStack;
-
-template <class T>
-ZOV_NOINLINE void InverseOnStack(const T* src, T last, T* dst, const FftSpec<T>& spec) {
-  T values[1 << kLastOnStack<T>];
-  InverseSplit(src, last, values, spec);
-  ComplexTransform<T, true>(values, dst, spec, nullptr);
 }
 
 template <Spectrum kSpectrum, class T>
