@@ -9,7 +9,48 @@
 
 namespace zov::ZOV_LEVEL_NAMESPACE {
 
-// Four pixels of 8 or 32 bits as 32-bit lanes, and such lanes as doubles.
+#if defined(__AVX__)
+using DoubleQuad = __m256d;
+ZOV_INLINE DoubleQuad LoadFour(const double* p) { return _mm256_loadu_pd(p); }
+ZOV_INLINE void StoreFour(DoubleQuad v, double* to) { _mm256_storeu_pd(to, v); }
+ZOV_INLINE void TransposeFour(DoubleQuad a, DoubleQuad b, DoubleQuad c, DoubleQuad d,
+                              DoubleQuad* four) {
+  const __m256d ab = _mm256_unpacklo_pd(a, b);
+  const __m256d cd = _mm256_unpacklo_pd(c, d);
+  const __m256d abOdd = _mm256_unpackhi_pd(a, b);
+  const __m256d cdOdd = _mm256_unpackhi_pd(c, d);
+  four[0] = _mm256_permute2f128_pd(ab, cd, 0x20);
+  four[1] = _mm256_permute2f128_pd(abOdd, cdOdd, 0x20);
+  four[2] = _mm256_permute2f128_pd(ab, cd, 0x31);
+  four[3] = _mm256_permute2f128_pd(abOdd, cdOdd, 0x31);
+}
+#else
+struct DoubleQuad {
+  __m128d low;
+  __m128d high;
+};
+ZOV_INLINE DoubleQuad LoadFour(const double* p) { return {_mm_loadu_pd(p), _mm_loadu_pd(p + 2)}; }
+ZOV_INLINE void StoreFour(DoubleQuad v, double* to) {
+  _mm_storeu_pd(to, v.low);
+  _mm_storeu_pd(to + 2, v.high);
+}
+ZOV_INLINE void TransposeFour(DoubleQuad a, DoubleQuad b, DoubleQuad c, DoubleQuad d,
+                              DoubleQuad* four) {
+  four[0] = {_mm_unpacklo_pd(a.low, b.low), _mm_unpacklo_pd(c.low, d.low)};
+  four[1] = {_mm_unpackhi_pd(a.low, b.low), _mm_unpackhi_pd(c.low, d.low)};
+  four[2] = {_mm_unpacklo_pd(a.high, b.high), _mm_unpacklo_pd(c.high, d.high)};
+  four[3] = {_mm_unpackhi_pd(a.high, b.high), _mm_unpackhi_pd(c.high, d.high)};
+}
+#endif
+// Four doubles of each of four rows, turned: the columns lie `stride` apart.
+ZOV_INLINE void TurnDoubles(DoubleQuad a, DoubleQuad b, DoubleQuad c, DoubleQuad d, int stride,
+                            double* to) {
+  DoubleQuad four[4];
+  TransposeFour(a, b, c, d, four);
+  for (int k = 0; k < 4; ++k) StoreFour(four[k], to + k * stride);
+}
+
+// Four pixels of 8 or 32 bits as 32-bit lanes, and such lanes as doubles; or four doubles.
 template <class T>
 struct FourPixels;
 // Four of each of four rows as doubles, turned: the columns lie `stride` apart.
@@ -59,21 +100,22 @@ struct FourPixels<Zov32f> {
   // Doubles are turned, as they come converted from memory.
   static ZOV_INLINE void Turn(__m128 a, __m128 b, __m128 c, __m128 d, int stride, double* to) {
 #if defined(__AVX__)
-    const __m256d a4 = _mm256_cvtps_pd(a);
-    const __m256d b4 = _mm256_cvtps_pd(b);
-    const __m256d c4 = _mm256_cvtps_pd(c);
-    const __m256d d4 = _mm256_cvtps_pd(d);
-    const __m256d ab = _mm256_unpacklo_pd(a4, b4);
-    const __m256d cd = _mm256_unpacklo_pd(c4, d4);
-    const __m256d abOdd = _mm256_unpackhi_pd(a4, b4);
-    const __m256d cdOdd = _mm256_unpackhi_pd(c4, d4);
-    _mm256_store_pd(to, _mm256_permute2f128_pd(ab, cd, 0x20));
-    _mm256_store_pd(to + stride, _mm256_permute2f128_pd(abOdd, cdOdd, 0x20));
-    _mm256_store_pd(to + 2 * stride, _mm256_permute2f128_pd(ab, cd, 0x31));
-    _mm256_store_pd(to + 3 * stride, _mm256_permute2f128_pd(abOdd, cdOdd, 0x31));
+    TurnDoubles(_mm256_cvtps_pd(a), _mm256_cvtps_pd(b), _mm256_cvtps_pd(c), _mm256_cvtps_pd(d),
+                stride, to);
 #else
     TurnFour<Zov32f>(a, b, c, d, stride, to);
 #endif
+  }
+};
+
+template <>
+struct FourPixels<Zov64f> {
+  static ZOV_INLINE DoubleQuad Load(const Zov8u* p) {
+    return LoadFour(reinterpret_cast<const double*>(p));
+  }
+  static ZOV_INLINE void Turn(DoubleQuad a, DoubleQuad b, DoubleQuad c, DoubleQuad d, int stride,
+                              double* to) {
+    TurnDoubles(a, b, c, d, stride, to);
   }
 };
 
@@ -129,12 +171,12 @@ class AntialiasColumns {
       }
     };
     int i = 0;
-    if constexpr (kChannels == 1 && sizeof(Real) == 4) {
+    if constexpr (kChannels == 1) {
       for (; i + 4 <= count_; i += 4) {
         fetch(i);
-        alignas(32) float sums[4][kGroup];
+        alignas(32) Real sums[4][kGroup];
         for (int k = 0; k < 4; ++k) SumColumn(i + k, sums[k]);
-        StoreFour(sums, i, lines);
+        StoreColumns(sums, i, lines);
       }
     }
     for (; i < count_; ++i) {
@@ -155,7 +197,16 @@ class AntialiasColumns {
     std::int32_t count;
   };
 
-  static ZOV_INLINE void StoreFour(const float (*sums)[kGroup], int i, float* const* lines) {
+  // Sums of four columns, turned back.
+  static ZOV_INLINE void StoreColumns(const double (*sums)[kGroup], int i, double* const* lines) {
+    for (int r = 0; r < kRows; r += 4) {
+      DoubleQuad four[4];
+      TransposeFour(LoadFour(sums[0] + r), LoadFour(sums[1] + r), LoadFour(sums[2] + r),
+                    LoadFour(sums[3] + r), four);
+      for (int k = 0; k < 4; ++k) StoreFour(four[k], lines[r + k] + i);
+    }
+  }
+  static ZOV_INLINE void StoreColumns(const float (*sums)[kGroup], int i, float* const* lines) {
 #if defined(__AVX__)
     if constexpr (kGroup % 8 == 0) {
       for (int r = 0; r < kRows; r += 8) {
@@ -183,15 +234,13 @@ class AntialiasColumns {
     const int end = columns_ < extent_ - first_ ? columns_ : extent_ - first_;
     int column = 0;
     for (; column < inImage && column < columns_; ++column) FillColumn(rows, column);
-    if constexpr (sizeof(T) < 8) {
-      constexpr int kTile = kChannels == 1 ? 4 : 1;
-      constexpr int kStrip = 4;  // tiles
-      while (column + kTile <= end) {
-        const int rest = (end - column) / kTile;
-        const int tiles = rest < kStrip ? rest : kStrip;
-        FillTiles(rows, column, tiles);
-        column += tiles * kTile;
-      }
+    constexpr int kTile = kChannels == 1 ? 4 : 1;
+    constexpr int kStrip = 4;  // tiles
+    while (column + kTile <= end) {
+      const int rest = (end - column) / kTile;
+      const int tiles = rest < kStrip ? rest : kStrip;
+      FillTiles(rows, column, tiles);
+      column += tiles * kTile;
     }
     for (; column < columns_; ++column) FillColumn(rows, column);
   }
