@@ -297,7 +297,8 @@ class AntialiasColumns {
     return sum + pixels * weight;
   }
 
-  // Even and odd taps of one channel are summed apart.
+  // Even and odd taps of one channel are summed apart. There are two taps at least, as a kernel
+  // reaches a pixel or more to either side.
   ZOV_INLINE void SumColumn(int column, Real* sums) const {
     const ColumnTaps taps = taps_[column];
     const double* pixels = block_ + std::int64_t{taps.first} * kGroup;

@@ -23,7 +23,7 @@ struct FftLimits {
   int lastWhole;     // c up to it: one kernel does the whole length
   int inPlaceFrom;   // c from it: reversal, then the kernel in place, in place of the one-pass form
   bool wholeWork;    // the whole-length route takes work of one complex array
-  int lastOnStack;   // orders up to it: inverse by one pass from the stack, where it takes no work
+  int lastOnStack;   // orders up to it: one pass with the stack for work, where it takes none
   int askFrom;       // c from which the first pass asks for the lines that it writes
   int pairFrom;      // c from which the last two stages go through memory once
   int twoLevelFrom;  // order from which the split tables have two levels

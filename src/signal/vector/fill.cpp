@@ -16,20 +16,22 @@ ZOV_INLINE Zov8u* PutPiece(Zov8u* dst, std::int64_t rest, T piece) {
   return dst + kBytes;
 }
 
-// Ordinary stores for what fits a cache of known size, but not a quarter of it. The string store
-// keeps fewer lines under way there: at half the cache this takes half its time.
-ZOV_INLINE void FillAskingAhead(Chunk pattern, Zov8u* dst, std::int64_t bytes) {
+}  // namespace
+
+// For what fits a cache of known size, but not a quarter of it. The string store keeps fewer lines
+// under way there: at half the cache this takes half its time.
+void FillAskingAhead(const void* pPattern, void* pDst, std::int64_t bytes) {
+  const Chunk pattern = TwiceIfWider(Half::Load(pPattern));
+  Zov8u* dst = static_cast<Zov8u*>(pDst);
   Zov8u* const lastPass = dst + bytes - kPass;
   PutPass<false>(pattern, dst);
-  dst += BytesToAlign<64>(dst);
+  dst += BytesToAlign<Chunk::kBytes>(dst);
   for (; dst < lastPass; dst += kPass) {
     AskForPass(dst, 4096);
     PutPass<true>(pattern, dst);
   }
   PutPass<false>(pattern, lastPass);
 }
-
-}  // namespace
 
 // Ordinary stores once more, but by the instruction that knows how much is to come. The stores of
 // the ends come first, as those after it would wait for it, and only where needed, as it waits for
@@ -55,7 +57,7 @@ void FillLarge(Half pattern, Zov8u* dst, std::int64_t bytes, std::int64_t floor,
   if (ExceedsCache(kLevel, bytes, cacheBytes)) {
     FillStreaming(&pattern, dst, bytes);
   } else if (kLevel >= Level::avx && cacheBytes > 0 && bytes > cacheBytes / 4) {
-    FillAskingAhead(TwiceIfWider(pattern), dst, bytes);
+    FillAskingAhead(&pattern, dst, bytes);
   } else if (kLevel >= Level::avx && elementBytes <= 8) {
     FillByStringStore(static_cast<std::uint64_t>(pattern.v[0]), dst, bytes);
   } else {

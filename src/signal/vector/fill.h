@@ -20,4 +20,8 @@ void zovZeroBytes(void* pDst, std::int64_t bytes);
 // above take when the cache is too small. At least 64 bytes.
 void FillStreaming(const void* pPattern, void* pDst, std::int64_t bytes);
 
+// The same with ordinary stores that ask for their lines ahead: the plan of levels avx and above
+// near the size of a known cache. At least 256 bytes.
+void FillAskingAhead(const void* pPattern, void* pDst, std::int64_t bytes);
+
 }  // namespace zov::ZOV_LEVEL_NAMESPACE

@@ -12,8 +12,6 @@ namespace zov::ZOV_LEVEL_NAMESPACE {
 // From here on levels avx and above leave a fill to the string store, which writes whole cache
 // lines unread: 1.3 times a loop at 4 KiB and 1.7 times at 16 KiB where its stores are wider.
 inline constexpr std::int64_t kStringStoreFloor = 4096;
-template <int kElementBytes>
-inline constexpr bool kByStringStore = kLevel >= Level::avx&& kElementBytes <= 8;
 
 // Fills out of line: by the string store with 8 bytes of a pattern, of kStringStoreFloor and more.
 void FillByStringStore(std::uint64_t bits, Zov8u* dst, std::int64_t bytes);
@@ -73,10 +71,11 @@ template <int kElementBytes>
 ZOV_INLINE void Fill(Chunk pattern, void* pDst, std::int64_t bytes, std::int64_t floor) {
   Zov8u* const dst = static_cast<Zov8u*>(pDst);
   Zov8u* const end = dst + bytes;
+  constexpr bool kByString = kLevel >= Level::avx && kElementBytes <= 8;
   if (bytes > 2 * kPass) [[unlikely]] {
     if (kAlignsFills && (bytes >= floor || !IsAligned<kElementBytes>(dst))) {
       FillLarge(LowHalf(pattern), dst, bytes, floor, kElementBytes);
-    } else if (kByStringStore<kElementBytes> && bytes >= kStringStoreFloor) {
+    } else if (kByString && bytes >= kStringStoreFloor) {
       FillByStringStore(static_cast<std::uint64_t>(pattern.v[0]), dst, bytes);
     } else {
       FillPasses<kAlignsFills>(pattern, dst, bytes);

@@ -127,7 +127,7 @@ TEST_F(Copy, EveryLengthAndAlignment) {
 TEST_F(Copy, LargeSizesOnBothSidesOfTheFloors) {
   ForEachLevel([&](int level) {
     for (const Member& member : kMembers) {
-      for (const std::size_t floor : {0x8000u, 0x40000u, 0x80000u, 0x100000u}) {
+      for (const std::size_t floor : {0x3800u, 0x8000u, 0x40000u, 0x80000u, 0x100000u}) {
         for (const std::size_t bytes : {floor - 8, floor, floor + 72}) {
           for (const std::size_t shift : {0u, 4u, 6u, 33u}) {
             Check(member, level, bytes, Guard::after, 0, shift);
@@ -143,7 +143,7 @@ TEST_F(Copy, ShiftsDataTowardsTheStartOfTheSameArray) {
   ForEachLevel([&](int level) {
     for (const Member& member : kMembers) {
       if (member.run == SmallPieces) continue;
-      for (const std::size_t bytes : {64u, 72u, 128u, 200u, 520u, 1000u, 40000u}) {
+      for (const std::size_t bytes : {64u, 72u, 128u, 200u, 520u, 1000u, 20000u, 40000u}) {
         for (const std::size_t distance : {8u, 16u, 24u, 40u, 64u, 120u, 136u, 600u}) {
           for (const std::size_t place : {0u, 1u, 15u, 16u, 40u}) {
             std::uint8_t* const src = source_.At(bytes, Guard::after, place);

@@ -14,6 +14,7 @@ ZOV_KERNEL_TABLE(zovFill32)
 ZOV_KERNEL_TABLE(zovFill64)
 ZOV_KERNEL_TABLE(zovFill128)
 ZOV_KERNEL_TABLE(zovZeroBytes)
+ZOV_KERNEL_TABLE(FillAskingAhead)
 ZOV_KERNEL_TABLE(FillStreaming)
 
 namespace zov::test {
@@ -150,22 +151,28 @@ TEST(Fill, LargeSizesOnBothSidesOfTheFloors) {
   });
 }
 
-TEST(Fill, StreamingPlan) {
+// The plans that depend on the cache, on arrays that any cache holds.
+TEST(Fill, PlansForLargeSizes) {
   const GuardedArray<std::uint8_t> array(4096);
   ForEachLevel([&](int level) {
     for (const Guard guard : kGuards) {
       for (std::size_t shift = 0; shift < 64; ++shift) {
-        for (std::size_t bytes = 64; bytes <= 64 + 256 + 65; bytes += shift % 4 == 0 ? 1 : 13) {
+        for (std::size_t bytes = 64; bytes <= 64 + 512 + 65; bytes += shift % 4 == 0 ? 1 : 13) {
           std::uint8_t* const dst = array.At(bytes, guard, shift);
           // The widest element that the address and the size are multiples of.
           const std::size_t place = reinterpret_cast<std::uintptr_t>(dst) | bytes | 16;
           const int elementBytes = static_cast<int>(place & (0 - place));
           const auto pattern = Expected(kValue, elementBytes, 16);
           const auto expected = Expected(kValue, elementBytes, bytes);
-          array.Fill(0x33);
-          ZOV_KERNEL_AT(level, FillStreaming)(pattern.data(), dst, static_cast<int>(bytes));
-          ASSERT_EQ(std::memcmp(dst, expected.data(), bytes), 0) << bytes << " shift " << shift;
-          ASSERT_TRUE(array.UntouchedOutside(dst, bytes, 0x33)) << bytes << " shift " << shift;
+          const auto check = [&](auto fill) {
+            array.Fill(0x33);
+            fill(pattern.data(), dst, static_cast<std::int64_t>(bytes));
+            ASSERT_EQ(std::memcmp(dst, expected.data(), bytes), 0) << bytes << " shift " << shift;
+            ASSERT_TRUE(array.UntouchedOutside(dst, bytes, 0x33)) << bytes << " shift " << shift;
+          };
+          check(ZOV_KERNEL_AT(level, FillStreaming));
+          if (bytes >= 256) check(ZOV_KERNEL_AT(level, FillAskingAhead));
+          if (testing::Test::HasFatalFailure()) return;
         }
       }
     }
