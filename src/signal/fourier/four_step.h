@@ -49,6 +49,20 @@ struct FourStep {
     }
   }
 
+  // Many rows of a few lines each, far apart: no prefetcher foresees those of the next tile. Longer
+  // rows and shorter arrays come as fast without being asked for.
+  static ZOV_INLINE bool AsksAhead(Index length, Index width, int rows) {
+    constexpr Index kBytes = 2 * sizeof(T);
+    return rows >= 6 && width * kBytes <= 512 && length * kBytes >= Index{1} << 20;
+  }
+  static ZOV_INLINE void AskAhead(const T* tile, Index stride, Index width, Index rows) {
+    for (const T* const end = tile + 2 * rows * stride; tile != end; tile += 2 * stride) {
+      for (Index i = 0; i < 2 * width; i += Index{64 / sizeof(T)}) {
+        __builtin_prefetch(tile + i, 0, 2);
+      }
+    }
+  }
+
   // The columns of one tile: `width` of them in 2^rows rows that lie `stride` apart. Returns the
   // twiddles of the next tile.
   template <Form kForm>
@@ -57,7 +71,9 @@ struct FourStep {
     const int firstRadix = ColumnRadix(rows, 0);
     const Index firstRows = Index{1} << firstRadix;
     const T* next = twiddles;
+    const bool ask = AsksAhead(count * stride, width, rows);
     for (Index row = 0; row < count; row += firstRows) {
+      if (ask) AskAhead(tile + 2 * (row * stride + width), stride, width, firstRows);
       next = StageRun<T, Form::split, false>(firstRadix, tile + 2 * row * stride, stride,
                                              work + 2 * row * width, width, twiddles, width, T{});
     }
