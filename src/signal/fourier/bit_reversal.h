@@ -189,11 +189,15 @@ void ReverseByTable(const T* src, T* dst, int c, const Zov32s* table) {
 // By tiles of 2^logTile rows of as many values, the rows far apart. Each row lies in a page of its
 // own, and these pages share few places of the translation caches; so a tile is copied to `work`
 // and written from there, both row by row. No prefetcher follows such short rows: the lines of the
-// next tile and of its place are asked for meanwhile, which halves the time. Two arrays that the
-// second-level cache holds together need neither.
+// next tile and of its place are asked for meanwhile, which halves the time. Arrays near the size
+// of the second-level cache need neither.
 template <class T>
 struct TiledReversal {
   using Square = LineSquare<T>;
+  // Bytes of an array up to which its squares are moved one by one.
+  static constexpr std::ptrdiff_t kNearInPlace = std::ptrdiff_t{1} << 21;
+  static constexpr std::ptrdiff_t kNearApart = std::ptrdiff_t{1} << 19;
+
   const T* src;
   T* dst;
   int c;
@@ -238,17 +242,25 @@ struct TiledReversal {
     }
   }
 
-  // Square by square to another array.
-  ZOV_INLINE void Move(std::ptrdiff_t tile, std::ptrdiff_t to) const {
+  // Square by square, without the copy; in place the two tiles exchange their squares.
+  ZOV_INLINE void Move(std::ptrdiff_t tile, std::ptrdiff_t partner) const {
     const std::ptrdiff_t squares = side >> Square::kLog;
     const std::ptrdiff_t lineStride = squares * rowStride;
     std::ptrdiff_t column = 0;
-    Square square;
+    Square own, other;
     for (std::ptrdiff_t i = 0; i < squares; ++i, column = NextReversed(column, squares)) {
       std::ptrdiff_t row = 0;
       for (std::ptrdiff_t j = 0; j < squares; ++j, row = NextReversed(row, squares)) {
-        square.Load(src + 2 * (tile + row * rowStride + (column << Square::kLog)), lineStride);
-        square.Store(dst + 2 * (to + i * rowStride + (j << Square::kLog)), lineStride);
+        const std::ptrdiff_t from = tile + row * rowStride + (column << Square::kLog);
+        const std::ptrdiff_t to = partner + i * rowStride + (j << Square::kLog);
+        const bool exchange = src == dst && from != to;
+        if (exchange && tile == partner && to < from) continue;
+        own.Load(src + 2 * from, lineStride);
+        if (exchange) {
+          other.Load(dst + 2 * to, lineStride);
+          other.Store(dst + 2 * from, lineStride);
+        }
+        own.Store(dst + 2 * to, lineStride);
       }
     }
   }
@@ -256,9 +268,10 @@ struct TiledReversal {
   void Run() const {
     const std::ptrdiff_t columns = std::ptrdiff_t{1} << (c - 2 * logTile);
     const bool inPlace = src == dst;
-    constexpr std::ptrdiff_t kHeldBytes = std::ptrdiff_t{1} << 20;
-    if (!inPlace && (static_cast<std::ptrdiff_t>(4 * sizeof(T)) << c) <= kHeldBytes) {
-      for (std::ptrdiff_t i = 0; i < columns; ++i) Move(i << logTile, table[i]);
+    if (std::ptrdiff_t{2 * sizeof(T)} << c <= (inPlace ? kNearInPlace : kNearApart)) {
+      for (std::ptrdiff_t i = 0; i < columns; ++i) {
+        if (!inPlace || i << logTile <= table[i]) Move(i << logTile, table[i]);
+      }
       return;
     }
     for (std::ptrdiff_t i = 0; i < columns;) {
