@@ -1877,8 +1877,8 @@ typedef struct ZovFFTSpec_R_32f ZovFFTSpec_R_32f;
  * @brief Makes the object for real transforms of N = 2^order values of `Zov32f`.
  * The object is immutable: any number of threads may use it at once, each with its own work buffer.
  * 1/N is 1.0f divided by (float)N; 1/sqrt(N) is computed in double and rounded.
- * @param ppSpec receives the object, to be released with Kelo_zovsFFTFree_R_32f(); a failure leaves
- * it as it was
+ * @param ppSpec receives the object, to be released with Kelo_zovsFFTFree_R_32f(), or null if
+ * memory is lacking
  * @param order log2 of N, from 0 to 29 (28 at level SSE2)
  * @param flag one of the normalisation flags, ::ZOV_FFT_SCALE_FWD to ::ZOV_FFT_SCALE_NONE
  * @param hint stored and not read
@@ -1936,8 +1936,8 @@ typedef struct ZovFFTSpec_R_64f ZovFFTSpec_R_64f;
  * @brief Makes the object for real transforms of N = 2^order values of `Zov64f`.
  * The object is immutable: any number of threads may use it at once, each with its own work buffer.
  * Tables and scale are computed in double.
- * @param ppSpec receives the object, to be released with Kelo_zovsFFTFree_R_64f(); a failure leaves
- * it as it was
+ * @param ppSpec receives the object, to be released with Kelo_zovsFFTFree_R_64f(), or null if
+ * memory is lacking
  * @param order log2 of N, from 0 to 28 (27 at level SSE2)
  * @param flag one of the normalisation flags, ::ZOV_FFT_SCALE_FWD to ::ZOV_FFT_SCALE_NONE
  * @param hint stored and not read

@@ -256,6 +256,7 @@ ZovStatus FftInitAlloc(Level level, FftSpec<T>** result, int order, int flag, in
   FftSizes sizes;
   ZovStatus status = FftSpecSizes<T>(level, order, flag, &sizes);
   if (status != zovStsNoErr) return status;
+  *result = nullptr;  // what a failure leaves
   Zov8u* const block = zovAllocAligned(sizes.spec);
   if (block == nullptr) return zovStsMemAllocErr;
   Zov8u* temporary = nullptr;
