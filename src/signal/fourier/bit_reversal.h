@@ -173,19 +173,6 @@ void ReverseBySwapList(const T* src, T* dst, int c, const Zov32s* list) {
   } while (*list != 0);
 }
 
-// By the plain table: entry i is twice the (c-2)-bit reversal of i.
-template <class T>
-void ReverseByTable(const T* src, T* dst, int c, const Zov32s* table) {
-  const std::ptrdiff_t half = std::ptrdiff_t{1} << (c - 1);
-  const std::ptrdiff_t count = half / 2;
-  for (std::ptrdiff_t i = 0; i < count; ++i) {
-    const std::ptrdiff_t p = 2 * i;
-    const std::ptrdiff_t q = table[i];
-    if (p < q) ReversePair(src, dst, p, q, half);
-    if (p == q) ReverseOwn(src, dst, p, half);
-  }
-}
-
 // By tiles of 2^logTile rows of as many values, the rows far apart. Each row lies in a page of its
 // own, and these pages share few places of the translation caches; so a tile is copied to `work`
 // and written from there, both row by row. No prefetcher follows such short rows: the lines of the

@@ -27,17 +27,16 @@ void OnePass(const T* src, T* dst, int c, const FftSpec<T>& spec, T* work, bool 
   }
 }
 
+// Above the baseline shorter arrays go in one pass.
 template <class T>
 void Reverse(const T* src, T* dst, int c, const FftSpec<T>& spec, T* work) {
   constexpr const FftLimits& kLimits = FftLimitsOf<T>(kLevel);
-  if (c < kLimits.tiledFrom && c >= kLinesFrom<T>) {
-    ReverseByLines(src, dst, c);
-  } else if (kLevel == Level::sse2) {
-    ReverseBySwapList(src, dst, c, spec.bitRevTable);
-  } else if (c < kLimits.tiledFrom) {
-    ReverseByTable(src, dst, c, spec.bitRevTable);
-  } else {
+  if (c >= kLimits.tiledFrom) {
     TiledReversal<T>{src, dst, c, kLimits.logTile, spec.bitRevTable, work}.Run();
+  } else if (kLevel != Level::sse2 || c >= kLinesFrom<T>) {
+    ReverseByLines(src, dst, c);
+  } else {
+    ReverseBySwapList(src, dst, c, spec.bitRevTable);
   }
 }
 

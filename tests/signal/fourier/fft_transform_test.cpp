@@ -110,8 +110,12 @@ void CheckObject(int level, int order, int flag, const std::vector<float>& signa
   ASSERT_EQ(inverse(ccs, result, object.get(), work), zovStsNoErr);
   EXPECT_LE(SignalError(result, signal, scale), 1.5L * bound);
   EXPECT_TRUE(back.UntouchedOutside(result, n, 0x55));
+  const std::vector<T> values(result, result + n);
+  T* const unaligned = back.At(n, Guard::before, sizeof(T));
+  ASSERT_EQ(inverse(ccs, unaligned, object.get(), work), zovStsNoErr);
+  EXPECT_TRUE(SameBits(unaligned, values.data(), n));
   ASSERT_EQ(inverse(ccs, ccs, object.get(), nullptr), zovStsNoErr);
-  EXPECT_TRUE(SameBits(ccs, result, n));
+  EXPECT_TRUE(SameBits(ccs, values.data(), n));
 }
 
 TYPED_TEST(FftTransform, EveryOrderAtEveryLevel) {
