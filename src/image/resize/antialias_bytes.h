@@ -47,7 +47,7 @@ class AntialiasBytes {
       : src_(src), dst_(dst), x_(x), y_(y), xKernel_(xKernel), yKernel_(yKernel) {
     first_ = xKernel.At(0).first;
     const Taps last = xKernel.At(x.count - 1);
-    columns_ = last.first + last.count - first_;
+    columns_ = static_cast<int>(last.first - first_) + last.count;
   }
 
   // Returns how many rows it has written: all, or fewer where too many pixels had to be computed
@@ -55,6 +55,9 @@ class AntialiasBytes {
   int Run(Zov8u* workBuffer, std::int64_t bytes) {
     const std::int64_t xTaps = xKernel_.MostTaps();
     const std::int64_t yTaps = yKernel_.MostTaps();
+    // A lone column a hair beyond the image may have all its taps there, and a block none to
+    // repeat.
+    if (first_ >= x_.extent) return 0;
     if (std::int64_t{x_.extent} * kChannels < kBlockBytes) return 0;
     WorkArena arena(workBuffer);
     taps_ = arena.Take<ColumnTaps>(x_.count);
@@ -74,7 +77,9 @@ class AntialiasBytes {
   }
 
  private:
-  static int Clamp(int i, int extent) { return i < 0 ? 0 : i < extent ? i : extent - 1; }
+  static int Clamp(std::int64_t i, int extent) {
+    return i < 0 ? 0 : i < extent ? static_cast<int>(i) : extent - 1;
+  }
 
   // What rounding does to the weights of an axis.
   struct AxisBound {
@@ -103,7 +108,7 @@ class AntialiasBytes {
     AxisBound y;
     for (int i = 0; i < x_.count; ++i) {
       const Taps taps = xKernel_.At(i);
-      taps_[i] = {taps.first - first_, taps.count};
+      taps_[i] = {static_cast<std::int32_t>(taps.first - first_), taps.count};
       if (xKernel_.GetWeights<float>(i, i, x_.count, xKernel_.MostTaps(), xWeights_))
         x.Add(XWeights(i), taps.count);
     }
@@ -166,9 +171,9 @@ class AntialiasBytes {
 
   // Combines source rows to destination rows, and turns these: pixels of a column lie side by side.
   void FillBlock(int row, int rows) {
-    const int begin = first_ < 0 ? 0 : first_;
-    const int end = first_ + columns_ < x_.extent ? first_ + columns_ : x_.extent;
-    const std::int64_t endByte = std::int64_t{end} * kChannels;
+    const std::int64_t begin = first_ < 0 ? 0 : first_;
+    const std::int64_t beyond = first_ + columns_;
+    const std::int64_t endByte = (beyond < x_.extent ? beyond : x_.extent) * kChannels;
     for (int r = 0; r < rows; r += kLanes) {
       const int lastRow = r + kLanes < rows ? row + r + kLanes - 1 : row + rows - 1;
       const Taps last = yKernel_.At(lastRow);
@@ -180,8 +185,7 @@ class AntialiasBytes {
         counts[pair] = ListRowTaps(at, rowTaps_ + 2 * pair * std::int64_t{yKernel_.MostTaps()});
       }
       // The last block overlaps the one before it. A narrow image is read beyond what is needed.
-      for (std::int64_t byte = std::int64_t{begin} * kChannels; byte < endByte;
-           byte += kBlockBytes) {
+      for (std::int64_t byte = begin * kChannels; byte < endByte; byte += kBlockBytes) {
         std::int64_t from = byte + kBlockBytes <= endByte ? byte : endByte - kBlockBytes;
         from = from < 0 ? 0 : from;
         // More rows are read side by side than the processor prefetches by itself.
@@ -195,11 +199,11 @@ class AntialiasBytes {
           CombineRows(rowTaps_ + 2 * pair * std::int64_t{yKernel_.MostTaps()}, counts[pair], from,
                       planes[2 * pair], planes[2 * pair + 1]);
         }
-        TurnPlanes(planes, static_cast<int>(from / kChannels), r);
+        TurnPlanes(planes, from / kChannels, r);
       }
     }
-    for (int x = first_; x < 0; ++x) CopyColumn(begin, x);
-    for (int x = x_.extent; x < first_ + columns_; ++x) CopyColumn(x_.extent - 1, x);
+    for (std::int64_t x = first_; x < 0; ++x) CopyColumn(begin, x);
+    for (std::int64_t x = x_.extent; x < beyond; ++x) CopyColumn(x_.extent - 1, x);
   }
 
   // Four neighbouring bytes go to four planes.
@@ -226,16 +230,16 @@ class AntialiasBytes {
     }
   }
 
-  ZOV_INLINE float* Column(int x) { return block_ + std::int64_t{x - first_} * kGroup; }
+  ZOV_INLINE float* Column(std::int64_t x) { return block_ + (x - first_) * kGroup; }
 
-  void CopyColumn(int from, int to) {
+  void CopyColumn(std::int64_t from, std::int64_t to) {
     for (int i = 0; i < kGroup; i += kLanes) {
       V::LoadAligned(Column(from) + i).StoreAligned(Column(to) + i);
     }
   }
 
   // Columns from x on of the rows from r on of a group.
-  ZOV_INLINE void TurnPlanes(const float (*planes)[4 * kLanes], int x, int r) {
+  ZOV_INLINE void TurnPlanes(const float (*planes)[4 * kLanes], std::int64_t x, int r) {
     for (int j = 0; j < 4; ++j) {
       for (int part = 0; part < kLanes; part += 4) {
         const auto load = [=](int k) __attribute__((always_inline)) {
@@ -250,7 +254,7 @@ class AntialiasBytes {
         TransposeFour(load(0), load(1), load(2), load(3), four);
         for (int k = 0; k < 4; ++k) {
           const int pixel = part + k;
-          const int column = x + (kChannels == 1 ? 4 * pixel + j : pixel);
+          const std::int64_t column = x + (kChannels == 1 ? 4 * pixel + j : pixel);
           // A narrow image has columns that no pixel needs.
           if (column < first_ || column >= first_ + columns_) continue;
           V{(typename V::Native)four[k]}.StoreAligned(Column(column) +
@@ -390,7 +394,7 @@ class AntialiasBytes {
 
   // Even and odd taps of one channel are summed apart.
   ZOV_INLINE float LineAt(const Zov8u* row, int column) const {
-    const int first = first_ + taps_[column].first;
+    const std::int64_t first = first_ + taps_[column].first;
     const int count = taps_[column].count;
     const float* const weights = XWeights(column);
     __m128d sums = _mm_setzero_pd();
@@ -421,7 +425,7 @@ class AntialiasBytes {
   ResizeAxis y_;
   const WidenedKernel& xKernel_;
   const WidenedKernel& yKernel_;
-  int first_;  // source column of the first column of a block; may lie outside the image
+  std::int64_t first_;  // source column of the first of a block; may lie outside the image
   int columns_;
   int margin_;  // fixed point
   ColumnTaps* taps_;

@@ -136,7 +136,7 @@ class AntialiasColumns {
       : count_(axis.count), extent_(axis.extent), mostTaps_(kernel.MostTaps()) {
     const WidenedKernel::Taps last = kernel.At(count_ - 1);
     first_ = kernel.At(0).first;
-    columns_ = last.first + last.count - first_;
+    columns_ = static_cast<int>(last.first - first_) + last.count;
     taps_ = arena->Take<ColumnTaps>(count_);
     weights_ = arena->Take<double>(std::int64_t{count_} * mostTaps_);
     block_ = arena->Take<double>(std::int64_t{columns_} * kGroup);
@@ -146,7 +146,7 @@ class AntialiasColumns {
   bool FillTables(const WidenedKernel& kernel) {
     for (int i = 0; i < count_; ++i) {
       const WidenedKernel::Taps taps = kernel.At(i);
-      taps_[i] = {taps.first - first_, taps.count};
+      taps_[i] = {static_cast<std::int32_t>(taps.first - first_), taps.count};
       kernel.GetWeights<Real>(i, i, count_, mostTaps_, weights_);
     }
     return true;
@@ -230,8 +230,8 @@ class AntialiasColumns {
   }
 
   void FillBlock(const Zov8u* const* rows) const {
-    const int inImage = first_ < 0 ? -first_ : 0;
-    const int end = columns_ < extent_ - first_ ? columns_ : extent_ - first_;
+    const int inImage = first_ < 0 ? static_cast<int>(-first_) : 0;
+    const int end = columns_ < extent_ - first_ ? columns_ : static_cast<int>(extent_ - first_);
     int column = 0;
     for (; column < inImage && column < columns_; ++column) FillColumn(rows, column);
     constexpr int kTile = kChannels == 1 ? 4 : 1;
@@ -246,13 +246,13 @@ class AntialiasColumns {
   }
 
   void FillColumn(const Zov8u* const* rows, int column) const {
-    int x = first_ + column;
+    std::int64_t x = first_ + column;
     x = x < 0 ? 0 : x < extent_ ? x : extent_ - 1;
     double* const to = block_ + std::int64_t{column} * kGroup;
     for (int r = 0; r < kRows; ++r) {
       for (int c = 0; c < kChannels; ++c) {
         to[r * kChannels + c] =
-            static_cast<double>(LoadAs<T>(rows[r] + (std::int64_t{x} * kChannels + c) * kElement));
+            static_cast<double>(LoadAs<T>(rows[r] + (x * kChannels + c) * kElement));
       }
     }
   }
@@ -260,7 +260,7 @@ class AntialiasColumns {
   // Tiles of four columns of one channel, or of one of four. Four rows at a time, as more addresses
   // do not stay in registers.
   void FillTiles(const Zov8u* const* rows, int column, int tiles) const {
-    const std::int64_t at = std::int64_t{first_ + column} * kPixelBytes;
+    const std::int64_t at = (first_ + column) * kPixelBytes;
     if constexpr (kChannels == 1) {
       for (int r = 0; r < kRows; r += 4) {
         const Zov8u* const row0 = rows[r] + at;
@@ -359,7 +359,7 @@ class AntialiasColumns {
   int count_;
   int extent_;
   int mostTaps_;
-  int first_;  // source column of the first column of a block; may lie outside the image
+  std::int64_t first_;  // source column of the first of a block; may lie outside the image
   int columns_;
   ColumnTaps* taps_;
   double* weights_;

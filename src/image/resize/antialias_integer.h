@@ -24,6 +24,7 @@ class AntialiasInteger {
   static constexpr int kHighBits = 15;  // fraction of the upper part of a weight
   static constexpr int kMostBits = 31;  // and of both
   static constexpr int kEdge = 256;
+  static constexpr int kLongest = 1 << 30;  // bytes of a row, so that places around it fit 32 bits
 
   // What the lower parts of the weights ask for.
   enum class Low { none, exact, carried };
@@ -42,8 +43,9 @@ class AntialiasInteger {
 
   AntialiasInteger(WorkArena* arena, const WidenedKernel& kernel, const ResizeAxis& axis)
       : count_(axis.count),
-        rowBytes_(axis.extent * kChannels),
-        units_((axis.count * kChannels + kUnit - 1) / kUnit),
+        isShort_(axis.extent <= kLongest / kChannels && axis.count <= kLongest / kChannels),
+        rowBytes_(isShort_ ? axis.extent * kChannels : 0),
+        units_(isShort_ ? (axis.count * kChannels + kUnit - 1) / kUnit : 0),
         mostTaps_(kernel.MostTaps()) {
     const std::int64_t most = (mostTaps_ + 1) / 2;
     starts_ = arena->Take<std::int32_t>(std::int64_t{units_} * kLanes);
@@ -55,7 +57,7 @@ class AntialiasInteger {
 
   // Once the memory is known to suffice. False where the weights are not of that kind.
   bool FillTables(const WidenedKernel& kernel) {
-    return GetTaps(kernel) && PlaceWindows() && PackWeights() && FindEdges();
+    return isShort_ && GetTaps(kernel) && PlaceWindows() && PackWeights() && FindEdges();
   }
 
   void Resample(const Zov8u* const* sources, std::ptrdiff_t /*ahead*/, float* const* lines) const {
@@ -102,7 +104,7 @@ class AntialiasInteger {
         }
         bits |= static_cast<std::uint32_t>(fixed);
       }
-      taps_[i] = {taps.first + from, from, end - from};
+      taps_[i] = {static_cast<std::int32_t>(taps.first) + from, from, end - from};
       if (most < end - from) most = end - from;
     }
     if (bits == 0) return false;
@@ -304,6 +306,7 @@ class AntialiasInteger {
   }
 
   int count_;
+  bool isShort_;
   int rowBytes_;
   int units_;
   int mostTaps_;

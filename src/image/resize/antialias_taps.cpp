@@ -27,17 +27,18 @@ WidenedKernel::Taps WidenedKernel::At(int pixel) const {
   centre = centre < end ? centre : end;
   centre = centre > -1 ? centre : -1;
   const double near = centre - radius_;
-  int first = static_cast<int>(near);
-  if (near != first) first += near > 0 ? 1 : -1;
-  const int last = static_cast<int>(centre + radius_);
+  std::int64_t first = static_cast<std::int64_t>(near);
+  if (near != static_cast<double>(first)) first += near > 0 ? 1 : -1;
+  const std::int64_t last = static_cast<std::int64_t>(centre + radius_);
   // Both ends can round outward; then the last tap lies where the kernel ends, and has no weight.
-  const int count = last - first + 1;
+  const int count = static_cast<int>(last - first) + 1;
   const int most = MostTaps();
   return {centre, first, count < most ? count : most};
 }
 
 double WidenedKernel::WeightAt(const Taps& taps, int tap) const {
-  const double distance = std::abs(taps.centre - (taps.first + tap)) * compression_;
+  const double distance =
+      std::abs(taps.centre - static_cast<double>(taps.first + tap)) * compression_;
   const double weight = KernelAt(method_, distance);
   return method_ == ZOV_INTERP_LINEAR ? weight * compression_ : weight;
 }
@@ -54,7 +55,7 @@ namespace {
 // exact in double precision where the taps lie at or above 0.
 bool SameWeights(const WidenedKernel::Taps& a, const WidenedKernel::Taps& b) {
   return a.first >= 0 && b.first >= 0 && a.count == b.count &&
-         a.centre - a.first == b.centre - b.first;
+         a.centre - static_cast<double>(a.first) == b.centre - static_cast<double>(b.first);
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ class WidenedKernel {
   // The taps of a written pixel; they may lie outside the image, whose edges stand for them.
   struct Taps {
     double centre;
-    int first;
+    std::int64_t first;
     int count;
   };
 

@@ -67,8 +67,9 @@ class AreaReduction {
     const int end = LastOf(plan_[planned_ - 1]) + 1;
     const bool inside = FirstOf(rows_[0]) >= 0 && LastOf(rows_[rows - 1]) < geometry_.y.extent;
     Walk walk;
-    for (int column = FirstOf(plan_[0]); column < end; column += kStrip) {
-      const int width = end - column < kStrip ? end - column : kStrip;
+    int width;
+    for (int column = FirstOf(plan_[0]); column < end; column += width) {
+      width = end - column < kStrip ? end - column : kStrip;
       SumRows(inside, column, width, rows);
       Turn(width);
       SumColumns(column, column + width, rows, &walk);
@@ -112,7 +113,7 @@ class AreaReduction {
     }
     const int end = span.begin + span.count;
     int y = span.begin;
-    for (; y + 4 <= end; y += 4, fresh = false) Add<4>(row(y), fresh, entries, line);
+    for (; end - y >= 4; y += 4, fresh = false) Add<4>(row(y), fresh, entries, line);
     const int rest = end - y;
     if (rest == 3) Add<3>(row(y), fresh, entries, line);
     if (rest == 2) Add<2>(row(y), fresh, entries, line);
