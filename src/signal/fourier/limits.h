@@ -18,7 +18,7 @@ struct FourStepSplit {
 struct FftLimits {
   int maxOrder;
   int lastReal;      // orders up to it: real kernels, no tables
-  int lastKernel;    // orders up to it: real kernels with tables unused, as they are faster
+  int lastKernel;    // orders up to it: complex kernel and split in one, tables unused
   int lastSmall;     // orders up to it: small complex kernels, split tables only
   int lastWhole;     // c up to it: one kernel does the whole length
   int inPlaceFrom;   // c from it: reversal, then the kernel in place, in place of the one-pass form
