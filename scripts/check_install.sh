@@ -4,6 +4,7 @@
 # README's program with the cross-built DLL under Wine.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+export CMAKE_GENERATOR=Ninja  # which is installed; make may not be
 version=$(sed -n 's/^ *VERSION \([0-9.]*\)$/\1/p' CMakeLists.txt)
 work=$PWD/build/check_install
 stage=$work/moved
