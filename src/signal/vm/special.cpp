@@ -156,8 +156,7 @@ float SpecialCosh(ZovStatus& status, float x) {
 }
 
 float SpecialPow(ZovStatus& status, float x, float y) {
-  const bool negative = x < 0.0F && x != -Infinity();
-  if (negative && fabsf(y) < Infinity() && truncf(y) != y) return DomainError(status);
+  if (x < 0.0F && fabsf(y) < Infinity() && truncf(y) != y) return DomainError(status);
   return static_cast<float>(pow(static_cast<double>(x), static_cast<double>(y)));
 }
 
