@@ -49,10 +49,7 @@ class AntialiasResize {
  private:
   using Taps = WidenedKernel::Taps;
 
-  static int InImage(std::int64_t place, const ResizeAxis& axis) {
-    return place < 0 ? 0 : place < axis.extent ? static_cast<int>(place) : axis.extent - 1;
-  }
-  int SourceRow(std::int64_t row) const { return InImage(row, y_); }
+  int SourceRow(std::int64_t row) const { return InImage(row, y_.extent); }
 
   // Writes the rows from `begin` on. Source rows are resampled once, in groups, into a ring of
   // lines that holds the taps of a row. False, with nothing done, when the work buffer is too
@@ -141,7 +138,7 @@ class AntialiasResize {
   Real LineAt(const Zov8u* row, const Taps& columns, double weightSum) const {
     double sums[2] = {0, 0};
     for (int k = 0; k < columns.count; ++k) {
-      const int x = InImage(columns.first + k, x_);
+      const int x = InImage(columns.first + k, x_.extent);
       const Real weight = static_cast<Real>(xKernel_.WeightAt(columns, k) / weightSum);
       sums[kChannels == 1 ? k % 2 : 0] +=
           static_cast<double>(LoadAs<T>(row + std::int64_t{x} * kPixelBytes)) *

@@ -77,10 +77,6 @@ class AntialiasBytes {
   }
 
  private:
-  static int Clamp(std::int64_t i, int extent) {
-    return i < 0 ? 0 : i < extent ? static_cast<int>(i) : extent - 1;
-  }
-
   // What rounding does to the weights of an axis.
   struct AxisBound {
     double sum = 0;     // most of the sums of magnitudes
@@ -143,14 +139,14 @@ class AntialiasBytes {
   int ListRowTaps(int row, RowTap* list) const {
     const int end = row + 2 < y_.count ? row + 2 : y_.count;
     const Taps last = yKernel_.At(end - 1);
-    const int lowest = Clamp(yKernel_.At(row).first, y_.extent);
-    const int count = Clamp(last.first + last.count - 1, y_.extent) - lowest + 1;
+    const int lowest = InImage(yKernel_.At(row).first, y_.extent);
+    const int count = InImage(last.first + last.count - 1, y_.extent) - lowest + 1;
     for (int k = 0; k < count; ++k) list[k] = {src_.Row(lowest + k), {0, 0}, {0, 0}};
     for (int r = row; r < end; ++r) {
       const Taps taps = yKernel_.At(r);
       const float* const weights = YWeights(r);
       for (int k = 0; k < taps.count; ++k) {
-        list[Clamp(taps.first + k, y_.extent) - lowest].sums[r - row] +=
+        list[InImage(taps.first + k, y_.extent) - lowest].sums[r - row] +=
             static_cast<double>(weights[k]);
       }
     }
@@ -177,8 +173,8 @@ class AntialiasBytes {
     for (int r = 0; r < rows; r += kLanes) {
       const int lastRow = r + kLanes < rows ? row + r + kLanes - 1 : row + rows - 1;
       const Taps last = yKernel_.At(lastRow);
-      const int lowest = Clamp(yKernel_.At(row + r).first, y_.extent);
-      const int highest = Clamp(last.first + last.count - 1, y_.extent);
+      const int lowest = InImage(yKernel_.At(row + r).first, y_.extent);
+      const int highest = InImage(last.first + last.count - 1, y_.extent);
       int counts[kLanes / 2];
       for (int pair = 0; pair < kLanes / 2; ++pair) {
         const int at = r + 2 * pair < rows ? row + r + 2 * pair : row + rows - 1;
@@ -382,7 +378,7 @@ class AntialiasBytes {
     float line = 0;
     int lineRow = -1;
     for (int k = 0; k < rows.count; ++k) {
-      const int y = Clamp(rows.first + k, y_.extent);
+      const int y = InImage(rows.first + k, y_.extent);
       if (y != lineRow) line = LineAt(src_.Row(y) + channel, column);
       lineRow = y;
       sum += line * weights[k];
@@ -412,7 +408,7 @@ class AntialiasBytes {
     double parts[2];
     _mm_storeu_pd(parts, sums);
     for (; k < count; ++k) {
-      const int x = Clamp(first + k, x_.extent);
+      const int x = InImage(first + k, x_.extent);
       parts[kChannels == 1 ? k % 2 : 0] +=
           static_cast<double>(row[std::int64_t{x} * kChannels]) * static_cast<double>(weights[k]);
     }

@@ -246,8 +246,7 @@ class AntialiasColumns {
   }
 
   void FillColumn(const Zov8u* const* rows, int column) const {
-    std::int64_t x = first_ + column;
-    x = x < 0 ? 0 : x < extent_ ? x : extent_ - 1;
+    const std::int64_t x = InImage(first_ + column, extent_);
     double* const to = block_ + std::int64_t{column} * kGroup;
     for (int r = 0; r < kRows; ++r) {
       for (int c = 0; c < kChannels; ++c) {

@@ -122,15 +122,11 @@ class AreaReduction {
     if (span.tail > 0) AddWeighted(row(span.tailAt), span.tail, fresh, entries, line);
   }
 
-  static ZOV_INLINE int InImage(int place, const ResizeAxis& axis) {
-    return place < 0 ? 0 : place < axis.extent ? place : axis.extent - 1;
-  }
-
   // The same of all rows where rows or columns lie outside the image: in the same order, one by
   // one.
   ZOV_NOINLINE void SumAcrossEdges(int column, int width, int rows) {
-    const int first = InImage(column, geometry_.x);
-    const int read = InImage(column + width - 1, geometry_.x) - first + 1;
+    const int first = InImage(column, geometry_.x.extent);
+    const int read = InImage(column + width - 1, geometry_.x.extent) - first + 1;
     const int before = first > column ? first - column : 0;
     for (int r = 0; r < rows; ++r) {
       const AreaSpan& span = rows_[r];
@@ -142,7 +138,7 @@ class AreaReduction {
         const double weight = isHead ? span.head : isTail ? span.tail : kUnits;
         if (!(weight > 0)) continue;
         const int y = isHead ? span.headAt : isTail ? span.tailAt : span.begin + k;
-        AddWeighted(source_.Row(InImage(y, geometry_.y)) + std::int64_t{first} * kPixelBytes,
+        AddWeighted(source_.Row(InImage(y, geometry_.y.extent)) + std::int64_t{first} * kPixelBytes,
                     weight, fresh, read * kChannels, line);
         fresh = false;
       }

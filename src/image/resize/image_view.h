@@ -22,6 +22,11 @@ struct ImageView {
 using SourceView = ImageView<const Zov8u>;
 using TargetView = ImageView<Zov8u>;
 
+// The row or column that stands for one that may lie outside the image.
+ZOV_INLINE int InImage(std::int64_t place, int extent) {
+  return place < 0 ? 0 : place < extent ? static_cast<int>(place) : extent - 1;
+}
+
 template <class T>
 ZOV_INLINE T LoadAs(const void* p) {
   T value;

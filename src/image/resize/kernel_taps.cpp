@@ -255,10 +255,8 @@ void FindTaps(const Kernel& kernel, const ResizeAxis& axis, int begin, int count
     result.first = first < 0 ? 0 : lastFirst;
     const auto place = [&](int k) {
       const std::int64_t tap = std::int64_t{first} + k;
-      return static_cast<int>(tap < 0             ? 0
-                              : tap < axis.extent ? tap
-                                                  : axis.extent - 1) -
-             result.first;
+      const std::int64_t end = axis.extent - 1;
+      return static_cast<int>((tap < 0 ? 0 : tap < end ? tap : end) - result.first);
     };
     for (int k = 0; k < kTaps; ++k) result.weights[k] = 0;
     int used = place(0);
